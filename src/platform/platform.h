@@ -1,0 +1,147 @@
+#pragma once
+
+// What the library needs of the operating system, by role. posix/ and windows/ implement this header; no
+// other file of the tree includes a header of the operating system. Paths come with backslashes as
+// separators, and only here, at the moment of a call, do they turn into the native form.
+
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "kvbase/base/types.h"
+
+namespace kv::platform {
+
+// ---- code pages ------------------------------------------------------------------------------------------
+
+/// The code page of the process's own encoding.
+constexpr int kDefaultCodePage = 0;
+/// The code page number of UTF-8.
+constexpr int kUtf8CodePage = 65001;
+
+/// How a conversion went. A failed conversion (error not 0) leaves its output empty.
+struct Conversion {
+    std::int32_t error = 0;  ///< the system's error number, 0 for success
+    bool replaced = false;   ///< something had no counterpart, and a replacement stands in its place
+};
+
+/// Text of a code page to 16-bit units, embedded zeros included. Bytes that mean nothing there become U+FFFD.
+/// The default code page of a process that never chose a locale is UTF-8 on POSIX, as its file names are. The
+/// system's tables decide; they hold no look-alikes for what a code page lacks.
+Conversion toUnits(int codePage, std::string_view text, KV_WString &out);
+
+/// 16-bit units to text of a code page, embedded zeros included. A unit that has no form there becomes "?",
+/// so a pair of surrogates two of them, and an unpaired surrogate U+FFFD where the code page is UTF-8; both
+/// count as replaced.
+Conversion fromUnits(int codePage, std::basic_string_view<KV_WChar> units, std::string &out);
+
+/// The name of the process's current locale for characters, such as "C" or "German_Germany.1252".
+std::string localeName();
+
+// ---- files -----------------------------------------------------------------------------------------------
+
+/// Opens a file in a mode of the C library; programs that the process starts do not inherit it. Null on
+/// failure, with the system's number in error (0 on success). A directory and a path with a zero unit in it
+/// fail; a mode that does not begin with r, w or a fails with EINVAL.
+std::FILE *openFile(const KV_WString &path, const char *mode, std::int32_t &error);
+
+/// Moves to offset from origin (SEEK_SET, SEEK_CUR, SEEK_END), in 64 bits. True on success.
+bool seekFile(std::FILE *file, std::int64_t offset, int origin);
+
+/// The position in 64 bits, -1 on failure.
+std::int64_t tellFile(std::FILE *file);
+
+/// Deletes a file, never a directory. True when it is gone by this call.
+bool deleteFile(const KV_WString &path);
+
+/// Whether anything, file or directory, is found at the path. The last component may hold the wild cards "*"
+/// and "?"; a ".*" at the end also matches nothing, so that "*.*" matches all names. On POSIX names match
+/// with their case, and "." and ".." match no wild card; on Windows as FindFirstFileW matches. A link counts
+/// wherever it leads, and a path that ends in a separator finds nothing.
+bool pathExists(const KV_WString &path);
+
+/// The names (without their directory) that match a path whose last component holds wild cards, in ascending
+/// order of their units, by the rules of pathExists. A last component without wild cards gives itself when it
+/// exists.
+std::vector<KV_WString> findNames(const KV_WString &pattern);
+
+/// A path of this library as the system spells it, in UTF-8: "a\b" is "a/b" on POSIX. Unpaired surrogates
+/// become U+FFFD.
+std::string nativePath(const KV_WString &path);
+
+/// The way back. Bytes that are no UTF-8 become U+FFFD.
+KV_WString fromNativePath(std::string_view path);
+
+// ---- threads ---------------------------------------------------------------------------------------------
+
+/// A mutex within the process that its holder may take again. Its thread must release it as often. Without a
+/// heap block of its own.
+class RecursiveMutex {
+public:
+    /// Throws std::bad_alloc or std::system_error when the system has none left.
+    RecursiveMutex();
+    ~RecursiveMutex();
+    RecursiveMutex(const RecursiveMutex &) = delete;
+    RecursiveMutex &operator=(const RecursiveMutex &) = delete;
+    void lock();
+    void unlock();
+
+private:
+    alignas(std::max_align_t) unsigned char m_native[64];  // the system's mutex lives in here
+};
+
+/// A counting semaphore within the process.
+class Semaphore {
+public:
+    /// A count outside 0..maximum, or lack of memory, makes one that is not valid.
+    Semaphore(int initial, int maximum);
+    ~Semaphore();
+    Semaphore(const Semaphore &) = delete;
+    Semaphore &operator=(const Semaphore &) = delete;
+    bool isValid() const;
+    /// Raises the count by 1; at the maximum it stays. Does nothing when not valid.
+    void signal();
+    /// Waits for a count above 0 and takes 1. Returns at once when not valid.
+    void wait();
+
+private:
+    struct State;
+    std::unique_ptr<State> m_state;
+};
+
+/// An event that lets one waiter through for each signal; signals do not add up.
+class AutoResetEvent {
+public:
+    AutoResetEvent();
+    ~AutoResetEvent();
+    AutoResetEvent(const AutoResetEvent &) = delete;
+    AutoResetEvent &operator=(const AutoResetEvent &) = delete;
+    void signal();
+    /// True when a signal came within the time, which takes the signal away. A time of 0 or below only looks.
+    bool wait(std::chrono::milliseconds atMost);
+
+private:
+    struct State;
+    std::unique_ptr<State> m_state;
+};
+
+// ---- facts -----------------------------------------------------------------------------------------------
+
+/// The operating system's version, in the form of the home platform's version information.
+struct OsVersion {
+    std::uint32_t major = 0;
+    std::uint32_t minor = 0;
+    std::uint32_t build = 0;
+    std::uint32_t platformId = 0;
+};
+
+/// Whether the running system is at least the one given. Other systems than the home platform count as its
+/// newest.
+bool osVersionAtLeast(const OsVersion &wanted);
+
+}  // namespace kv::platform
