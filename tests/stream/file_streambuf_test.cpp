@@ -1,0 +1,53 @@
+#include "stream/file_streambuf.h"
+
+#include <istream>
+#include <ostream>
+
+#include "stream/stream_fixture.h"
+
+namespace {
+
+using kv::detail::FileStreambuf;
+
+class FileStreambufOnFile : public StreamFiles {};
+
+TEST_F(FileStreambufOnFile, BytesComeBack) {
+    std::string text(150'000, '\0');  // longer than two blocks, with every byte value in it
+    for (std::size_t i = 0; i < text.size(); ++i)
+        text[i] = static_cast<char>(i * 7 + i / 251);
+    KV_FStream file = opened("f", "w");
+    {
+        FileStreambuf buffer(file);
+        std::ostream out(&buffer);
+        out << text.substr(0, 10) << std::flush;
+        EXPECT_EQ(bytes("f"), text.substr(0, 10));
+        out << text.substr(10);
+        EXPECT_TRUE(out.good());
+    }
+    file.Open("r", false);
+    FileStreambuf buffer(file);
+    std::istream in(&buffer);
+    std::string read;
+    for (int c = in.get(); c != EOF; c = in.get()) {
+        if (!read.empty()) {  // two back, also where a block begins
+            ASSERT_TRUE(in.unget().unget());
+            ASSERT_EQ(in.get(), static_cast<unsigned char>(read.back()));
+            ASSERT_EQ(in.get(), c);
+        }
+        read += static_cast<char>(c);
+    }
+    EXPECT_TRUE(read == text);
+}
+
+TEST_F(FileStreambufOnFile, FailureIsNotTakenForTheEnd) {
+    KV_FStream unreadable = opened("f", "w"), unwritable = opened("f", "r");
+    FileStreambuf input(unreadable), output(unwritable);
+    expectFileError([&] { input.sgetc(); }, "ReadError;   Detail: " + std::string(spec("f").GetFileName()));
+    std::istream in(&input);
+    EXPECT_TRUE(in.get() == EOF && in.bad());
+    std::ostream out(&output);
+    out << "short" << std::flush;
+    EXPECT_TRUE(out.bad());
+}
+
+}  // namespace
