@@ -1,0 +1,231 @@
+#include <gtest/gtest.h>
+#include <kvbase/runtime/kv_exception.h>
+#include <kvbase/runtime/kv_file_spec.h>
+#include <kvbase/univval/kv_uval_dict.h>
+#include <kvbase/univval/kv_uval_text.h>
+
+#include <istream>
+#include <locale>
+#include <memory>
+#include <sstream>
+#include <string>
+
+#include "runtime/trace_capture.h"
+#include "text_streams.h"
+
+namespace {
+
+using Value = std::unique_ptr<KV_UVal>;
+constexpr KV_UVal *kNoValue = nullptr;
+
+Value read(std::istream &stream, const char *name = "") {
+    KV_UVal *value = nullptr;
+    KV_ReadUValTxt(stream, value, KV_String(name));
+    return Value(value);
+}
+
+Value read(const std::string &text, const char *name = "") {
+    std::istringstream stream(text);
+    return read(stream, name);
+}
+
+// The value in the form for people, which shows type, dimension and content.
+std::string printed(KV_UVal &value) {
+    std::ostringstream out;
+    value.PrintOn(out);
+    return out.str();
+}
+
+struct ReadCase {
+    const char *name;
+    const char *text;
+    const char *printed;
+};
+const ReadCase kCases[] = {
+    {"number", "42", "(Long)42"},
+    {"number before a lone bracket", "42 <", "(Long)42"},
+    {"typed number", "65 satchar", "(Char)65"},
+    {"float as ulong", "3000000000.0 satulong", "(ULong)3000000000"},
+    {"text", "(a b)", "(String)a b"},
+    {"text as number", "(12) satlong", "(Long)12"},
+    {"number as text", "1.5 satstring", "(String)"},
+    {"utf text", "(caf\\303\\251) satutfstring", "(UTFString)caf[e9]"},
+    {"pointer", "0 satptr", "(Ptr)0"},
+    {"first element decides", "[1 2.5]", "(Long#2) {1,2,}"},
+    {"first element is a float", "[1.5 2]", "(Double#2) {1.5,2,}"},
+    {"keywords of elements have no effect", "[ 1 satdouble 2 satchar ]", "(Long#2) {1,2,}"},
+    {"texts to numbers", "[ (1) 2.5 (x) ] satfloat", "(Float#3) {1,2.5,0,}"},
+    {"what is no scalar keeps its place in an array", "[ 1 /a 3 << >> 5 ]", "(Long#5) {1,0,3,0,5,}"},
+    {"inner array keeps its place", "[ 1 [ 2 3 ] 4 ]", "(Long#3) {1,0,0,}"},
+    {"typed array of arrays", "[ [ 1 ] 2 ] satlong", "(Long#2) {0,0,}"},
+    {"array over an open dictionary", "[ 1 << /a 2 ]", "(Long#4) {1,0,0,2,}"},
+    {"an octal bracket counts", "[ a\\135 x", "(String#1) {a,}"},
+    {"keys of all kinds", "<< /a 1 (b c) 2 d 3 [ (e) (f) ] 4 >>",
+     "    |- a => (Long)1\n    |- b c => (Long)2\n    |- d => (Long)3\n    |- e => (Long)4\n"},
+    {"later pair wins", "<< /a 1 /a (x) >>", "    |- a => (String)x\n"},
+    {"key with separators", "<< /a:b: 1 /a:c 2 >>",
+     "    |- a\n    |    |- b => (Long)1\n    |    |- c => (Long)2\n"},
+    {"empty key stores nothing", "<< / 1 () 2 (\\000x) 3 >>", ""},
+    {"key through a leaf stores nothing", "<< /a 1 /a:b 2 >>", "    |- a => (Long)1\n"},
+    {"key with a zero byte ends there", "<< (a\\000b) 1 >>", "    |- a => (Long)1\n"},
+    {"keywords without a value are dropped", "<< satlong /a satchar 1 satshort satlong >>",
+     "    |- a => (Short)1\n"},
+    {"input ends behind what is whole", "<< /a [ 1 << ] >>", "    |- a => (Long#2) {1,0,}\n"},
+};
+
+TEST(UvalTextRead, ReadsValues) {
+    for (const ReadCase &c : kCases) {
+        EXPECT_EQ(printed(*read(c.text)), c.printed) << c.name;
+        for (const std::size_t piece : {0U, 1U, 2U, 3U}) {
+            PieceBuffer buffer(c.text, piece);
+            std::istream pieces(&buffer);
+            EXPECT_EQ(printed(*read(pieces)), c.printed) << c.name << ", in pieces of " << piece;
+        }
+    }
+}
+
+struct FailureCase {
+    const char *name;
+    const char *text;
+    const char *traced;
+    const char *message;
+};
+const char *const kHierarchy = "Error in object hierarchy";
+const char *const kPairs = "Error in attribute/value pairs of dictionary";
+const FailureCase kFailures[] = {
+    {"nothing", "", kHierarchy, kHierarchy},
+    {"keyword alone", "satlong", kHierarchy, kHierarchy},
+    {"open dictionary", "<< /a 1", kHierarchy, kHierarchy},
+    {"lone bracket ends the input", "<< /a 1 > >>", kHierarchy, kHierarchy},
+    {"name alone", "/a", "", "KV_PsNToken::PST_UVAL differs "},
+    {"array end alone", "]", "[ ] pairs do not match", "KV_ReadUValTxt [ ] pairs do not match"},
+    {"empty array", "[]", "Empty arrays are not supported", "KV_ReadUValTxt Empty arrays are not supported"},
+    {"array of a name", "[/a 1]", "Illegal type in array", "KV_ReadUValTxt Illegal type in array"},
+    {"array of a dictionary", "[<<>> 1]", "Illegal type in array", "KV_ReadUValTxt Illegal type in array"},
+    {"dictionary end alone", ">>", "<< >> pairs do not match", "KV_ReadUValTxt << >> pairs do not match"},
+    {"key without value", "<< /a 1 /b >>", "Attribute/value pairs in dictionary do not match",
+     "KV_ReadUValTxt ttribute/value pairs in dictionary do not match"},
+    {"number as key", "<< 1 2 >>", kPairs, kPairs},
+    {"name as value", "<< /a /b >>", kPairs, kPairs},
+    {"dictionary with a value in an array", "[ 1 << /a 2 >> ]", kPairs, kPairs},
+};
+
+TEST(UvalTextRead, FailsAsDocumented) {
+    TraceCapture trace(0x01);
+    for (const FailureCase &c : kFailures) {
+        std::istringstream stream(c.text);
+        KV_UValDict untouched(16384);
+        KV_UVal *value = &untouched;
+        EXPECT_EQ(failure([&] { KV_ReadUValTxt(stream, value); }),
+                  std::string("File exception: InvalidFile;   Detail: ") + c.message)
+            << c.name;
+        EXPECT_EQ(value, kNoValue) << c.name;
+        const std::string line =
+            *c.traced == 0 ? "" : std::string("*** ERROR *** : module KvBaseTrac : ") + c.traced + "\n";
+        EXPECT_EQ(
+            trace.Take().rfind(line + "*** ERROR *** : module KvBaseTrac : " + c.message + " KV_File", 0), 0U)
+            << c.name;
+    }
+}
+
+TEST(UvalTextRead, EveryTruncationFails) {
+    const std::string sample = sampleText();
+    for (std::size_t size = 0; size < sample.size(); ++size) {
+        EXPECT_THROW(read(sample.substr(0, size)), KV_FileException) << size;
+    }
+}
+
+TEST(UvalTextRead, ReadsTheSample) {
+    KV_UValDict dict(16384);
+    KV_FileSpec file = KV_FileSpecFromNative(KVBASE_TEST_DATA "/values/sample.txt");
+    dict.ReadTextFile(file);
+    EXPECT_EQ(printed(dict),
+              "    |- count => (Long)3\n    |- gamma => (Double)2.2\n    |- name => (String)Sample (one)\n"
+              "    |- nested\n    |    |- flag => (UChar)1\n    |- points => (Double#2) {1.5,2.5,}\n"
+              "    |- title => (UTFString)caf[e9]\n");
+    EXPECT_STREQ(dict.GetValue("title", "", 0), "caf\303\251");
+}
+
+TEST(UvalTextRead, FindsADictionaryByName) {
+    const std::string text = "a < b (/x <<) /x 1 /x\\074< << /y << /x /x<< /a 7 >> >> >> /x << >>";
+    TraceCapture trace(0x11);
+    std::istringstream stream(text);
+    EXPECT_EQ(KV_FindDictionaryInText(stream, "x"), 1);
+    EXPECT_EQ(trace.Take(), "module KvBaseTrac : KV_FindDictionaryInText: found dictionary x\n");
+    EXPECT_EQ(stream.tellg(), static_cast<std::streamoff>(text.find("<< /a")));
+    EXPECT_EQ(printed(*read(stream)), "    |- a => (Long)7\n");
+    EXPECT_EQ(printed(*read(text, "x")), "    |- a => (Long)7\n");
+    EXPECT_EQ(KV_FindDictionaryInText(stream, "z"), 0);
+    EXPECT_TRUE(stream.eof() && !stream.bad());
+    trace.Take();
+    EXPECT_THROW(read(text, "z"), KV_FileException);
+    EXPECT_EQ(
+        trace.Take().rfind("*** ERROR *** : module KvBaseTrac : Dictionary z not found\n"
+                           "*** ERROR *** : module KvBaseTrac : KV_ReadUValTxt coulsd not find file KV_File",
+                           0),
+        0U);
+    PieceBuffer buffer(text, 1);
+    std::istream pieces(&buffer);
+    EXPECT_EQ(KV_FindDictionaryInText(pieces, "x"), 1);
+    EXPECT_TRUE(pieces.bad()) << "it cannot go back";
+    PieceBuffer again(text, 1);
+    std::istream morePieces(&again);
+    EXPECT_EQ(printed(*read(morePieces, "x")), "    |- a => (Long)7\n");
+}
+
+TEST(UvalTextRead, MergesAndStaysAsItWasOnFailure) {
+    KV_UValDict dict(16384);
+    std::istringstream first("<< /a 1 /d << /x 1 /y 2 >> >>"), second("<< /d << /y 3 >> /e (n) >>");
+    dict.ReadTextFile(first);
+    dict.ReadTextFile(second);
+    const std::string merged =
+        "    |- a => (Long)1\n    |- d\n    |    |- x => (Long)1\n    |    |- y => (Long)3\n"
+        "    |- e => (String)n\n";
+    EXPECT_EQ(printed(dict), merged);
+
+    struct {
+        const char *text, *name, *failure;
+    } const cases[] = {
+        {"42", "", "InvalidFile;   Detail: ReadTextFile failed wrong type (not KV_UVAL_DICT)"},
+        {"<< /a 2", "",
+         "OpenRdError;   Detail: ReadTextFile failed because stream could not be read: "
+         "File exception: InvalidFile;   Detail: Error in object hierarchy"},
+        {"<< /a 2 >>", "b",
+         "OpenRdError;   Detail: ReadTextFile failed because stream could not be read: "
+         "File exception: InvalidFile;   Detail: KV_ReadUValTxt coulsd not find file"},
+    };
+    for (const auto &c : cases) {
+        std::istringstream stream(c.text);
+        EXPECT_EQ(failure([&] { dict.ReadTextFile(stream, c.name); }),
+                  std::string("File exception: ") + c.failure);
+    }
+    KV_FileSpec missing("no\\such\\file");
+    EXPECT_EQ(failure([&] { dict.ReadTextFile(missing); }),
+              "File exception: OpenRdError;   Detail: no\\such\\file");
+    EXPECT_EQ(printed(dict), merged);
+}
+
+TEST(UvalTextRead, NumbersDoNotDependOnTheLocale) {
+    std::istringstream stream("<< /a 1.5 >>");
+    stream.imbue(std::locale(std::locale::classic(), new Comma));
+    KV_UValDict dict(16384);
+    dict.DefineUValDict("d")->ReadTextFile(stream);
+    EXPECT_EQ(dict.GetValue("d:a", 0.0, 0), 1.5);
+    const auto &point = std::use_facet<std::numpunct<char>>(stream.getloc());
+    EXPECT_TRUE(point.decimal_point() == '.' && point.thousands_sep() == '\0');
+}
+
+TEST(UvalTextRead, DepthAndLengthCostNoStack) {
+    constexpr int kDepth = 1000000;
+    std::string text = "<< ";
+    for (int i = 0; i < kDepth; ++i)
+        text += "/a<<";
+    EXPECT_THROW(read(text), KV_FileException);
+    for (int i = 0; i <= kDepth; ++i)
+        text += ">>";
+    const Value value = read(text);
+    EXPECT_EQ(value->GetType(), KV_UVAL_DICT);
+    EXPECT_THROW(read(std::string(10 * kDepth, '[')), KV_FileException);
+}
+
+}  // namespace
