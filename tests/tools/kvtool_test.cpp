@@ -1,0 +1,257 @@
+// Runs kvtool as a user does and looks at its exit code, its output and the files that it leaves.
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+struct Outcome {
+    int exitCode;
+    std::string out;
+    std::string err;
+};
+
+std::string contents(const fs::path &file) {
+    std::ifstream stream(file, std::ios::binary);
+    std::ostringstream text;
+    text << stream.rdbuf();
+    return text.str();
+}
+
+class KvTool : public testing::Test {
+protected:
+    void SetUp() override {
+        m_folder =
+            fs::temp_directory_path() /
+            (std::string("kvtool_test_") + testing::UnitTest::GetInstance()->current_test_info()->name());
+        fs::remove_all(m_folder);
+        fs::create_directories(m_folder);
+        fs::copy_file(fs::path(KVBASE_SAMPLES) / "press.krg", m_folder / "press.krg");
+    }
+    void TearDown() override { fs::remove_all(m_folder); }
+
+    fs::path file(const char *name) const { return m_folder / name; }
+    void write(const char *name, const std::string &text) const {
+        std::ofstream(file(name), std::ios::binary) << text;
+    }
+
+    // Runs in the test's folder; `before` goes in front of the command in the shell.
+    Outcome run(const std::string &arguments, const std::string &before = "") const {
+        const std::string command = "cd " + m_folder.string() + " && " + before + " " + KVTOOL + " " +
+                                    arguments + " >out.txt 2>err.txt";
+        const int status = std::system(command.c_str());
+        return {status < 256 ? status : status / 256, contents(file("out.txt")), contents(file("err.txt"))};
+    }
+
+    fs::path m_folder;
+};
+
+struct Row {
+    const char *arguments;
+    int exitCode;
+    const char *out;  // the whole of it when it ends in a line end, else a part
+    const char *err;  // a part
+};
+
+void expectOutcome(const Row &row, const Outcome &outcome) {
+    const std::string out = row.out;
+    EXPECT_EQ(outcome.exitCode, row.exitCode) << row.arguments << '\n' << outcome.err;
+    if (!out.empty() && out.back() == '\n')
+        EXPECT_EQ(outcome.out, out) << row.arguments;
+    else
+        EXPECT_NE(outcome.out.find(out), std::string::npos) << row.arguments << '\n' << outcome.out;
+    EXPECT_NE(outcome.err.find(row.err), std::string::npos) << row.arguments << '\n' << outcome.err;
+    EXPECT_EQ(outcome.err.empty(), row.exitCode == 0) << row.arguments << '\n' << outcome.err;
+}
+
+TEST_F(KvTool, AnswersQueriesInAnyType) {
+    const Row rows[] = {
+        {"values get press.krg press:inks", 0, "5\n", ""},
+        {"values get press.krg press:gamma", 0, "2.2\n", ""},
+        {"values get press.krg press:gamma --as long", 0, "2\n", ""},
+        {"values get press.krg press:gamma --as string", 0, "2.200000\n", ""},
+        {"values get press.krg press:serial", 0, "4026531855\n", ""},
+        {"values get press.krg press:serial --as long", 0, "-268435441\n", ""},
+        {"values get press.krg press:shift --as uchar", 0, "255\n", ""},
+        {"values get press.krg press:site", 0, "M\xC3\xBCnchen, Halle 2\n", ""},
+        {"values get press.krg press:name", 0, "Bogenoffset (5 Farben)\n", ""},
+        {"values get press.krg inks:solid:Cyan", 0, "55\n-37\n-50\n", ""},
+        {"values get press.krg inks:names --index 4", 0, "Orange\n", ""},
+        {"values get press.krg inks:names --index 5", 1, "",
+         "press.krg: 'inks:names' has no element 5: they are counted from 0 to 4"},
+        {"values get press.krg inks:names --as long", 1, "", "is a string and has no long"},
+        {"values get press.krg press:paper", 1, "", "press.krg: has no entry 'press:paper'"},
+        {"values get press.krg press:inks:deeper", 1, "", "has no entry 'press:inks:deeper'"},
+        {"values get press.krg press:inks --as integer", 2, "", "is no type"},
+        {"values get press.krg", 2, "", "PATH"},
+        {"values show press.krg", 0, "    |    |- gamma => (Double)2.2", ""},
+        {"values check press.krg", 0, "written and read back unchanged", ""},
+        {"values show nowhere.krg", 1, "", "nowhere.krg: doesn't exist"},
+        {"values show .", 1, "", ".: is a folder"},
+        {"values", 2, "", "subcommand"},
+        {"values frobnicate", 2, "", ""},
+        {"--help", 0, "encipher", ""},
+        {"values set --help", 0, "--force", ""},
+    };
+    for (const Row &row : rows)
+        expectOutcome(row, run(row.arguments));
+}
+
+TEST_F(KvTool, ChangesFilesAndRefusesWhatWouldBeLost) {
+    write("small.krg", "<< /a 1 /b << /c (text) >> /p 0 satptr >>");
+    write("other.krg", "<< /b << /d 2.5 >> /a (new) >>");
+    write("twice.krg", "<< /a 1 /a 2 >>");
+    write("colon.krg", "<< /a:b 1 >>");
+    write("pointer.krg", "<< /a 12 satptr >>");
+    write("p.krg", "<< /p 0 satptr >>");
+    write("lossy.krg", "<< /a 3000000000 /b [ 1 2.5 ] /c 70000 satshort /d 12abc /e (x) satlong >>");
+    const Row rows[] = {
+        {"values set small.krg a 7", 0, "", ""},
+        {"values get small.krg a", 0, "7\n", ""},
+        {"values set small.krg a 70000 --type short", 1, "", "'70000' is out of the range of short"},
+        {"values set small.krg a seven", 1, "", "small.krg: 'a': 'seven' is not a long"},
+        {"values set small.krg b:n -- -2.5", 0, "", ""},
+        {"values get small.krg b:n", 0, "-2.5\n", ""},
+        {"values set small.krg list 1 2 3", 0, "", ""},
+        {"values set small.krg words a [b,c] --type string", 0, "", ""},
+        {"values get small.krg words", 0, "a\n[b,c]\n", ""},
+        {"values set small.krg list 1 --frob", 2, "", "--frob"},
+        {"values set small.krg list 9 --index 2", 0, "", ""},
+        {"values set small.krg list 9 --index 3", 1, "", "counted from 0 to 2"},
+        {"values get small.krg list", 0, "1\n2\n9\n", ""},
+        {"values set small.krg b 1", 1, "", "is a dictionary"},
+        {"values set small.krg a:deeper 1", 1, "", "leads through an entry that is no dictionary"},
+        {"values set small.krg a 1.2345678 --type double", 1, "", "a: has more than the six decimals"},
+        {"values get small.krg a", 0, "7\n", ""},
+        {"values set small.krg a 1.2345678 --type double --force", 0, "", ""},
+        {"values get small.krg a", 0, "1.234568\n", ""},
+        {"values merge small.krg other.krg", 0, "", ""},
+        {"values get small.krg b:d", 0, "2.5\n", ""},
+        {"values get small.krg b:c", 0, "text\n", ""},
+        {"values get small.krg a", 0, "new\n", ""},
+        {"values remove small.krg b:d", 0, "", ""},
+        {"values remove small.krg b:d", 1, "", "has no entry 'b:d'"},
+        {"values copy small.krg b made.krg", 0, "", ""},
+        {"values get made.krg b:n", 0, "-2.5\n", ""},
+        {"values set press.krg press:inks 6", 1, "", "6 comments"},
+        {"values set press.krg press:inks 6 --output changed.krg", 0, "", ""},
+        {"values get changed.krg press:inks", 0, "6\n", ""},
+        {"values set twice.krg b 1", 1, "", "the key 'a' twice"},
+        {"values set colon.krg c 1", 1, "", "the key 'a:b', which holds the path separator"},
+        {"values set pointer.krg c 1", 1, "", "a: pointers are not stored"},
+        {"values check pointer.krg", 1, "a: pointers are not stored", "pointer.krg"},
+        {"values set pointer.krg c 1 --force", 0, "", ""},
+        {"values check pointer.krg", 0, "2 entries", ""},
+        {"values set small.krg text [x,y]", 0, "", ""},
+        {"values get small.krg text", 0, "[x,y]\n", ""},
+        {"values set p.krg '\\050' 1 --force", 1, "", "p.krg: "},
+        {"values set lossy.krg z 1", 1, "",
+         "\n  the number 3000000000, which is out of its type's range\n  an array of elements of several "
+         "kinds\n"
+         "  the number 70000, which is out of its type's range\n"
+         "  the word '12abc', of which only the beginning counts as a number\n  a text in the place of a "
+         "number\n"},
+        {"values set small.krg '' 1", 1, "", "an empty path"},
+        {"values set p.krg p 1", 1, "", "a ptr can't be set"},
+        {"values set small.krg a 1 -o nowhere/x.krg", 1, "", "its folder doesn't exist"},
+        {"values set small.krg a 1 -o /dev/null", 1, "", "no regular file"},
+        {"values set small.krg", 2, "", "PATH"},
+        {"values set small.krg a 1 --index 0 --type long", 2, "", "--index"},
+    };
+    for (const Row &row : rows)
+        expectOutcome(row, run(row.arguments));
+    EXPECT_EQ(contents(file("press.krg")), contents(fs::path(KVBASE_SAMPLES) / "press.krg"));
+    for (const auto &entry : fs::directory_iterator(m_folder))
+        EXPECT_EQ(entry.path().filename().string().find(".tmp-"), std::string::npos) << entry.path();
+}
+
+TEST_F(KvTool, NamesTheFileAndTheLineOfBadInput) {
+    std::string opening;
+    std::string closing;
+    for (int i = 0; i < 100000; ++i) {
+        opening += "<< /k ";
+        closing += " >>";
+    }
+    write("empty.krg", "");
+    write("odd.krg", "<<\n/a 1\n/b\n>>\n");
+    write("unclosed.krg", "<< /a (text");
+    write("number.krg", "42");
+    write("deep.krg", opening + "1" + closing);
+    const Row rows[] = {
+        {"values show empty.krg", 1, "",
+         "empty.krg: at its end: File exception: InvalidFile;   Detail: Error in object hierarchy"},
+        {"values show odd.krg", 1, "", "odd.krg: line 4: "},
+        {"values check unclosed.krg", 1, "", "unclosed.krg: "},
+        {"values show number.krg", 1, "", "number.krg: holds a single long, not a dictionary"},
+        {"values show deep.krg", 1, "", "deeper than the 256 levels"},
+        {"values check deep.krg", 1, "100000 levels", "deeper than the 256 levels"},
+        {"values set deep.krg a 1 --force", 1, "", "writes no more than 256 levels"},
+    };
+    for (const Row &row : rows)
+        expectOutcome(row, run(row.arguments));
+}
+
+#if !defined(_WIN32)
+// The limit on the size of files stands for a disk that is full: writing fails in the middle.
+TEST_F(KvTool, KeepsTheOldFileWhenTheDiskIsFull) {
+    std::string text = "<<\n";
+    for (int i = 0; i < 5000; ++i)
+        text += "/key" + std::to_string(i) + " " + std::to_string(i) + "\n";
+    text += ">>\n";
+    write("large.krg", text);
+    const Outcome outcome = run("values set large.krg key1 2", "trap '' XFSZ && ulimit -f 8 &&");
+    EXPECT_EQ(outcome.exitCode, 1);
+    EXPECT_NE(outcome.err.find("large.krg: can't be written"), std::string::npos) << outcome.err;
+    EXPECT_EQ(contents(file("large.krg")), text);
+    for (const auto &entry : fs::directory_iterator(m_folder))
+        EXPECT_EQ(entry.path().filename().string().find(".tmp-"), std::string::npos) << entry.path();
+}
+
+TEST_F(KvTool, WritesThroughALinkAndKeepsThePermissions) {
+    write("real.krg", "<< /a 1 >>");
+    fs::permissions(file("real.krg"), fs::perms::owner_read | fs::perms::owner_write);
+    fs::create_symlink("real.krg", file("link.krg"));
+    EXPECT_EQ(run("values set link.krg a 2").exitCode, 0);
+    EXPECT_TRUE(fs::is_symlink(file("link.krg")));
+    EXPECT_NE(contents(file("real.krg")).find("/a 2"), std::string::npos);
+    EXPECT_EQ(fs::status(file("real.krg")).permissions(), fs::perms::owner_read | fs::perms::owner_write);
+}
+#endif
+
+TEST_F(KvTool, EnciphersAndDeciphers) {
+    using namespace std::string_literals;
+    const std::string plain = "Offset, 60 lines/cm: embedded zero \0 and bytes \xFF above 127."s;
+    write("plain.txt", plain);
+    write("blanks.txt", "ends in a blank ");
+    write("odd.enc", "123456789");
+    write("empty.txt", "");
+    write("zero.txt", "7 bytes"s + '\0');
+    const Row rows[] = {
+        {"encipher plain.txt plain.enc", 0, "", ""},
+        {"decipher plain.enc back.txt", 0, "", ""},
+        {"encipher empty.txt empty.enc", 0, "", ""},
+        {"decipher empty.enc empty.out", 0, "", ""},
+        {"encipher blanks.txt blanks.enc", 1, "", "blanks.txt: ends in blanks"},
+        {"encipher blanks.txt blanks.enc --force", 0, "", ""},
+        {"encipher zero.txt zero.enc", 0, "", ""},
+        {"decipher zero.enc zero.out", 0, "", ""},
+        {"decipher odd.enc odd.txt", 1, "", "odd.enc: is not enciphered"},
+        {"decipher nowhere.enc x.txt", 1, "", "nowhere.enc: doesn't exist"},
+        {"decipher plain.enc", 2, "", "TO"},
+        {"encipher plain.txt nowhere/plain.enc", 1, "", "nowhere/plain.enc: can't be written"},
+    };
+    for (const Row &row : rows)
+        expectOutcome(row, run(row.arguments));
+    EXPECT_EQ(contents(file("back.txt")), plain);
+    EXPECT_EQ(contents(file("zero.out")), "7 bytes"s + '\0');
+    EXPECT_EQ(fs::file_size(file("plain.enc")) % 8, 0U);
+    EXPECT_EQ(contents(file("empty.out")), "");
+}
+
+}  // namespace

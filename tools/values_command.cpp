@@ -1,0 +1,291 @@
+#include <kvbase/kvbase.h>
+
+#include <algorithm>
+#include <iostream>
+#include <memory>
+#include <optional>
+#include <sstream>
+
+#include "command.h"
+#include "value_compare.h"
+#include "value_file.h"
+#include "value_types.h"
+
+namespace kvtool {
+namespace {
+
+struct Arguments {
+    std::string file;
+    std::string other;
+    std::string path;
+    std::string output;
+    std::string type;
+    std::vector<std::string> values;
+    std::optional<std::int32_t> index;
+    bool force = false;
+};
+
+KV_DictPath pathOf(const Arguments &args) { return KV_DictPath(args.path.c_str()); }
+
+std::string quoted(const std::string &path) { return "'" + path + "'"; }
+
+// The value at the path itself: a look-up through a number or text would answer with that.
+KV_UVal *find(KV_UValDict &dict, KV_DictPath path) {
+    KV_UValDict *level = &dict;
+    const char *key = nullptr;
+    for (int i = 0; i < path.Size(); ++i) {
+        key = path.NextKey(key);
+        const auto at = level->GetValuePtr()->find(std::string_view(key));
+        if (at == level->GetValuePtr()->end() || at->second == nullptr) return nullptr;
+        if (i + 1 == path.Size()) return at->second;
+        if (at->second->GetType() != KV_UVAL_DICT) return nullptr;
+        level = static_cast<KV_UValDict *>(at->second);
+    }
+    return nullptr;
+}
+
+KV_UVal &findOrFail(ValueFile &from, const Arguments &args) {
+    KV_UVal *value = find(from.dict(), pathOf(args));
+    if (value == nullptr) throw BadInput(from.file(), "has no entry " + quoted(args.path));
+    return *value;
+}
+
+void save(ValueFile &values, const Arguments &args) {
+    values.write(args.output.empty() ? values.file() : args.output, args.force);
+}
+
+// Control characters of a value are shown as octal escapes: a file must not steer the terminal.
+void printVisibly(const std::string &text) {
+    for (const char c : text) {
+        const auto byte = static_cast<unsigned char>(c);
+        if ((byte < 32 && c != '\n' && c != '\t') || byte == 127)
+            std::cout << '\\' << byte / 64 << byte / 8 % 8 << byte % 8;
+        else
+            std::cout << c;
+    }
+}
+
+void print(KV_UValDict &dict, const std::string &file) {
+    if (sizeOf(dict).depth > kDeepestTree)
+        throw BadInput(
+            file, "is nested deeper than the " + std::to_string(kDeepestTree) + " levels that are printed");
+    std::ostringstream text;
+    dict.PrintOn(text);
+    printVisibly(text.str());
+}
+
+void show(const Arguments &args) {
+    ValueFile values(args.file);
+    print(values.dict(), args.file);
+}
+
+std::int32_t checkedIndex(KV_UVal &value, const Arguments &args) {
+    const std::int32_t count = std::max<std::int32_t>(1, value.GetDimension());
+    if (*args.index < 0 || *args.index >= count)
+        throw BadInput(args.file, quoted(args.path) + " has no element " + std::to_string(*args.index) +
+                                      ": they are counted from 0 to " + std::to_string(count - 1));
+    return *args.index;
+}
+
+void get(const Arguments &args) {
+    ValueFile values(args.file);
+    KV_UVal &value = findOrFail(values, args);
+    if (value.GetType() == KV_UVAL_DICT) {
+        if (!args.type.empty())
+            throw BadInput(args.file, quoted(args.path) + " is a dictionary and has no " + args.type);
+        print(static_cast<KV_UValDict &>(value), args.file);
+        return;
+    }
+    const KV_UValType type = args.type.empty() ? value.GetType() : typeOfName(args.type);
+    const bool toNumber = type < KV_UVAL_STRING;
+    if (toNumber && value.GetFamily() != KV_UVAL_FAMILY_NUMBER)
+        throw BadInput(args.file,
+                       quoted(args.path) + " is a " + typeName(value.GetType()) + " and has no " + args.type);
+    std::int32_t first = 0;
+    std::int32_t last = std::max<std::int32_t>(1, value.GetDimension()) - 1;
+    if (args.index) first = last = checkedIndex(value, args);
+    for (std::int32_t i = first; i <= last; ++i)
+        std::cout << elementText(value, type, i) << '\n';
+}
+
+KV_UVal &define(ValueFile &values, const Arguments &args, KV_UVal *old) {
+    if (pathOf(args).Size() == 0) throw BadInput(args.file, "an empty path names no entry");
+    if (old != nullptr && old->GetType() == KV_UVAL_DICT)
+        throw BadInput(args.file, quoted(args.path) + " is a dictionary; remove it first");
+    KV_UValType type = typeOfName(args.type);
+    if (args.type.empty()) {
+        // One text among the values makes all of them text, one decimal all decimals.
+        type = old != nullptr ? old->GetType() : KV_UVAL_LONG;
+        if (old == nullptr)
+            for (const std::string &text : args.values)
+                type = std::max(type, typeOfText(text));
+    }
+    const auto count = static_cast<std::int32_t>(args.values.size());
+    KV_UVal *value = values.dict().DefineUVal(pathOf(args), type, count > 1 ? count : 0, nullptr);
+    if (value == nullptr)
+        throw BadInput(args.file, quoted(args.path) + " leads through an entry that is no dictionary");
+    return *value;
+}
+
+void setFrom(KV_UVal &value, const std::string &text, std::int32_t index, const Arguments &args) {
+    try {
+        setElement(value, text, index);
+    } catch (const BadInput &error) {
+        throw BadInput(args.file, quoted(args.path) + ": " + error.what());
+    }
+}
+
+void set(const Arguments &args) {
+    ValueFile values(args.file);
+    KV_UVal *old = find(values.dict(), pathOf(args));
+    if (args.index) {
+        if (old == nullptr) throw BadInput(args.file, "has no entry " + quoted(args.path));
+        if (!args.type.empty())
+            throw CLI::ValidationError("--index", "goes into a value as it is, without --type");
+        if (args.values.size() != 1) throw CLI::ValidationError("--index", "takes one value");
+        setFrom(*old, args.values[0], checkedIndex(*old, args), args);
+    } else {
+        KV_UVal &value = define(values, args, old);
+        for (std::size_t i = 0; i < args.values.size(); ++i)
+            setFrom(value, args.values[i], static_cast<std::int32_t>(i), args);
+    }
+    save(values, args);
+}
+
+void removeEntry(const Arguments &args) {
+    ValueFile values(args.file);
+    findOrFail(values, args);
+    values.dict().RemoveUVal(pathOf(args));
+    save(values, args);
+}
+
+void merge(const Arguments &args) {
+    ValueFile values(args.file);
+    ValueFile other(args.other);
+    other.dict().MoveTo(&values.dict());
+    save(values, args);
+}
+
+void copy(const Arguments &args) {
+    ValueFile from(args.file);
+    findOrFail(from, args);
+    ValueFile to = ValueFile::openOrNew(args.other);
+    if (from.dict().CopyUValTo(pathOf(args), &to.dict()) == nullptr)
+        throw BadInput(args.other, quoted(args.path) + " leads through an entry that is no dictionary");
+    to.write(args.other, args.force);
+}
+
+void check(const Arguments &args) {
+    ValueFile values(args.file);
+    const TreeSize size = sizeOf(values.dict());
+    std::cout << args.file << ": " << size.entries << " entries in " << size.depth << " levels\n";
+    for (const std::string &line : values.unkept())
+        std::cout << "  a rewrite drops " << line << '\n';
+    if (values.isTooDeep())
+        throw BadInput(args.file, "is nested deeper than the " + std::to_string(kDeepestTree) +
+                                      " levels that are written");
+    const std::vector<std::string> lost = values.unwritable();
+    for (const std::string &line : lost)
+        std::cout << "  " << line << '\n';
+    std::cout << (lost.empty() ? "  its values are written and read back unchanged\n" : "");
+    if (!lost.empty()) throw BadInput(args.file, "its values are not all read back as they are");
+}
+
+using Run = void (*)(const Arguments &);
+
+CLI::App &addCommand(CLI::App &app, const char *name, const char *help, Run run,
+                     const std::shared_ptr<Arguments> &args) {
+    CLI::App *command = app.add_subcommand(name, help);
+    command->callback([run, args] { run(*args); });
+    return *command;
+}
+
+void addWriteOptions(CLI::App &command, Arguments &args, bool withOutput) {
+    if (withOutput)
+        command.add_option("-o,--output", args.output,
+                           "write to this file and leave the one that was read as it is");
+    command.add_flag("--force", args.force,
+                     "write also when something is lost: comments, decimals beyond six, pointers");
+}
+
+void addPath(CLI::App &command, Arguments &args) {
+    command.add_option("PATH", args.path, "keys joined with ':', such as press:inks")->required();
+}
+
+std::string checkType(const std::string &name) {
+    return typeOfName(name) == KV_UVAL_NONE ? "'" + name + "' is no type: " + typeNames() : std::string();
+}
+
+}  // namespace
+
+void addValuesCommands(CLI::App &app) {
+    const auto args = std::make_shared<Arguments>();
+    CLI::App *values =
+        app.add_subcommand("values", "Shows, queries, changes and checks value files in text form");
+    values->require_subcommand(1);
+
+    CLI::App &showCommand = addCommand(*values, "show", "Prints a file as a tree", show, args);
+    showCommand.add_option("FILE", args->file)->required();
+
+    CLI::App &getCommand = addCommand(
+        *values, "get", "Prints the entry at a path: a tree, or a line for each element", get, args);
+    getCommand.add_option("FILE", args->file)->required();
+    addPath(getCommand, *args);
+    getCommand.add_option("--as", args->type, "convert to this type: " + typeNames())->check(checkType);
+    getCommand.add_option("--index", args->index, "this element only, counted from 0");
+
+    CLI::App &setCommand =
+        addCommand(*values, "set", "Sets the entry at a path; several values make an array", set, args);
+    setCommand.add_option("FILE", args->file)->required();
+    addPath(setCommand, *args);
+    // Only the first VALUE is an option of the parser's: it would take a list of several in brackets apart.
+    setCommand.add_option("VALUE", args->values, "one value, or several for an array")
+        ->required()
+        ->expected(1)
+        ->allow_extra_args(false);
+    setCommand.allow_extras();
+    setCommand.callback([&setCommand, args] {
+        for (const std::string &text : setCommand.remaining()) {
+            if (text == "--") continue;
+            if (text.rfind("--", 0) == 0) throw CLI::ExtrasError({text});
+            args->values.push_back(text);
+        }
+        set(*args);
+    });
+    setCommand
+        .add_option(
+            "--type", args->type,
+            "the entry's type: " + typeNames() + ". Default: the type that it has, or the look of the value")
+        ->check(checkType);
+    setCommand.add_option("--index", args->index, "set this element only, counted from 0");
+    addWriteOptions(setCommand, *args, true);
+
+    CLI::App &removeCommand =
+        addCommand(*values, "remove", "Removes the entry at a path with all below it", removeEntry, args);
+    removeCommand.add_option("FILE", args->file)->required();
+    addPath(removeCommand, *args);
+    addWriteOptions(removeCommand, *args, true);
+
+    CLI::App &mergeCommand =
+        addCommand(*values, "merge",
+                   "Merges the entries of OTHER into FILE; where both have one, OTHER's wins", merge, args);
+    mergeCommand.add_option("FILE", args->file)->required();
+    mergeCommand.add_option("OTHER", args->other)->required();
+    addWriteOptions(mergeCommand, *args, true);
+
+    CLI::App &copyCommand =
+        addCommand(*values, "copy",
+                   "Copies the entry at a path from FILE to the same path of OTHER, which is made if need be",
+                   copy, args);
+    copyCommand.add_option("FILE", args->file)->required();
+    addPath(copyCommand, *args);
+    copyCommand.add_option("OTHER", args->other)->required();
+    addWriteOptions(copyCommand, *args, false);
+
+    CLI::App &checkCommand =
+        addCommand(*values, "check", "Reads a file, and tells its size and what writing it again would lose",
+                   check, args);
+    checkCommand.add_option("FILE", args->file)->required();
+}
+
+}  // namespace kvtool
