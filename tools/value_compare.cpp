@@ -1,13 +1,16 @@
 #include "value_compare.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
-#include <cstring>
+#include <cstdint>
 
 namespace kvtool {
 namespace {
 
-bool sameBits(double a, double b) { return std::memcmp(&a, &b, sizeof a) == 0; }
+bool sameBits(double a, double b) {
+    return std::bit_cast<std::uint64_t>(a) == std::bit_cast<std::uint64_t>(b);
+}
 
 bool sameElement(KV_UVal &a, KV_UVal &b, std::int32_t index) {
     switch (a.GetFamily()) {
