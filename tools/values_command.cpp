@@ -30,7 +30,7 @@ KV_DictPath pathOf(const Arguments &args) { return KV_DictPath(args.path.c_str()
 std::string quoted(const std::string &path) { return "'" + path + "'"; }
 
 // The value at the path itself: a look-up through a number or text would answer with that.
-KV_UVal *find(KV_UValDict &dict, KV_DictPath path) {
+KV_UVal *find(KV_UValDict &dict, const KV_DictPath &path) {
     KV_UValDict *level = &dict;
     const char *key = nullptr;
     for (int i = 0; i < path.Size(); ++i) {
