@@ -90,7 +90,7 @@ TEST(PlatformText, UnknownCodePageFails) {
 
 TEST(PlatformText, LocaleNameFollowsSetlocale) {
     EXPECT_EQ(platform::localeName(), "C");
-    if (std::setlocale(LC_CTYPE, "C.UTF-8") == nullptr) GTEST_SKIP() << "the system has no such locale";
+    ASSERT_NE(std::setlocale(LC_CTYPE, "C.UTF-8"), nullptr);
     EXPECT_EQ(platform::localeName(), "C.UTF-8");
     std::setlocale(LC_CTYPE, "C");
 }
