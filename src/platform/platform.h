@@ -46,8 +46,9 @@ std::string localeName();
 // ---- files -----------------------------------------------------------------------------------------------
 
 /// Opens a file in a mode of the C library; programs that the process starts do not inherit it. Null on
-/// failure, with the system's number in error (0 on success). A directory and a path with a zero unit in it
-/// fail; a mode that does not begin with r, w or a fails with EINVAL.
+/// failure, with the C library's number in error (0 on success). A directory and a path with a zero unit in it
+/// fail; a mode that does not begin with r, w or a fails with EINVAL. On Windows others can't write to the
+/// file meanwhile, and the mode is made of r, w, a, +, b and t alone.
 std::FILE *openFile(const KV_WString &path, const char *mode, std::int32_t &error);
 
 /// Moves to offset from origin (SEEK_SET, SEEK_CUR, SEEK_END), in 64 bits. True on success.
@@ -56,7 +57,7 @@ bool seekFile(std::FILE *file, std::int64_t offset, int origin);
 /// The position in 64 bits, -1 on failure.
 std::int64_t tellFile(std::FILE *file);
 
-/// Deletes a file, never a directory. True when it is gone by this call.
+/// Deletes a file, never a directory. True when it is gone by this call. On Windows an open file stays.
 bool deleteFile(const KV_WString &path);
 
 /// Whether anything, file or directory, is found at the path. The last component may hold the wild cards "*"
@@ -64,6 +65,25 @@ bool deleteFile(const KV_WString &path);
 /// with their case, and "." and ".." match no wild card; on Windows as FindFirstFileW matches. A link counts
 /// wherever it leads, and a path that ends in a separator finds nothing.
 bool pathExists(const KV_WString &path);
+
+/// Moves a file to another name of the same volume. A file that has that name is replaced in one step:
+/// whoever opens it gets the old contents or the new. On Windows that fails while the other file is open.
+/// True on success.
+bool renameFile(const KV_WString &from, const KV_WString &to);
+
+/// What became of a request for a directory.
+enum class DirectoryOutcome {
+    made,          ///< it was created by this call
+    exists,        ///< something of that name is there already, a file too
+    pathNotFound,  ///< the directory that it should lie in does not exist
+    other          ///< anything else, such as a lack of rights
+};
+
+/// Creates one directory; its parent must exist.
+DirectoryOutcome createDirectory(const KV_WString &path);
+
+/// Takes the marks of a read-only, hidden or system file away where the system has them; on POSIX nothing.
+void setNormalAttributes(const KV_WString &path);
 
 /// The names (without their directory) that match a path whose last component holds wild cards, in ascending
 /// order of their units, by the rules of pathExists. A last component without wild cards gives itself when it
@@ -76,6 +96,51 @@ std::string nativePath(const KV_WString &path);
 
 /// The way back. Bytes that are no UTF-8 become U+FFFD.
 KV_WString fromNativePath(std::string_view path);
+
+// ---- folders ---------------------------------------------------------------------------------------------
+// All are absolute and empty when the system does not tell.
+
+/// The file of the running program.
+KV_WString programPath();
+
+/// The current folder of the process, without a separator at its end unless it is a root.
+KV_WString currentFolder();
+
+/// The folder for temporary files, with a separator at its end. On POSIX $TMPDIR, else /tmp.
+KV_WString temporaryFolder();
+
+/// The folder of the user's application data. On Windows "APPDATA" of the registry key "Volatile
+/// Environment"; on POSIX the first of $APPDATA, $XDG_DATA_HOME and $HOME/.local/share that is set to an
+/// absolute path.
+KV_WString userDataFolder();
+
+// ---- dynamic libraries -----------------------------------------------------------------------------------
+
+/// What the names of dynamic libraries end in here.
+#if defined(_WIN32)
+constexpr const char *kLibraryExtension = ".dll";
+#else
+constexpr const char *kLibraryExtension = ".so";
+#endif
+
+/// A loaded library. The system counts how often each was loaded.
+using Library = void *;
+
+/// Loads the library at a path. A name without a dot gets the extension first, and one without a folder is
+/// looked for beside the program, then in the current folder, then by the system (on Windows wholly by the
+/// system, in its own order). Null on failure, with a number of the system in error (0 on success).
+Library loadLibrary(const KV_WString &path, std::int32_t &error);
+
+/// Loads the library of that name from a folder, relative to the current one if it is not absolute. On
+/// Windows what it depends on is looked for there first; on POSIX the library says itself where ($ORIGIN).
+/// Does not change the current folder, which belongs to all threads.
+Library loadLibraryFrom(const KV_WString &folder, const KV_WString &name, std::int32_t &error);
+
+/// Gives a library back; the last one to do so unloads it. Null is ignored.
+void freeLibrary(Library library);
+
+/// The address of an exported function, null when there is none. Null as library means the running program.
+void *findSymbol(Library library, const char *name);
 
 // ---- threads ---------------------------------------------------------------------------------------------
 
@@ -143,5 +208,9 @@ struct OsVersion {
 /// Whether the running system is at least the one given. Other systems than the home platform count as its
 /// newest.
 bool osVersionAtLeast(const OsVersion &wanted);
+
+/// The four parts of the version that the library's file carries: on Windows those of the version resource of
+/// "kvbase.dll", elsewhere those that the build gave. False when it carries none.
+bool libraryVersion(std::uint16_t (&parts)[4]);
 
 }  // namespace kv::platform

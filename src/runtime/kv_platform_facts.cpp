@@ -3,7 +3,6 @@
 #include <cstdint>
 #include <cstdio>
 
-#include "kvbase/base/version.h"
 #include "platform/platform.h"
 #include "runtime/trace_line.h"
 
@@ -54,8 +53,9 @@ const char *KV_KalvorVersion() {
     struct VersionText {
         char text[32];
         VersionText() : text{} {
-            std::snprintf(text, sizeof text, "%d.%d.%d.%d", KV_VERSION_MAJOR, KV_VERSION_MINOR,
-                          KV_VERSION_PATCH, KV_VERSION_BUILD);
+            std::uint16_t parts[4];
+            if (kv::platform::libraryVersion(parts))
+                std::snprintf(text, sizeof text, "%d.%d.%d.%d", parts[0], parts[1], parts[2], parts[3]);
         }
     };
     static const VersionText version;

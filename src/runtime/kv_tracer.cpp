@@ -11,9 +11,14 @@ namespace {
 
 constexpr int kSlots = 64;
 
-// Both are constants at start and never torn down: tracers are named, and trace, at any moment.
-constinit KV_Tracer table[kSlots];  // slots and names guarded by tableLock; once taken, a name never changes
-constinit std::mutex tableLock;     // nothing else is taken under it
+// A constant at start and never torn down, as its lock: tracers are named, and trace, at any moment.
+constinit KV_Tracer table[kSlots];  // slots and names guarded by tableLock(); once taken, a name never changes
+
+// Nothing else is taken under it.
+std::mutex &tableLock() {
+    static std::mutex *const lock = new std::mutex;
+    return *lock;
+}
 
 // The single bit that stands for a caller's level.
 std::uint32_t bitOf(std::uint32_t level) {
@@ -38,7 +43,7 @@ KV_Tracer &KV_Tracer::operator=(const KV_Tracer &other) {
 
 KV_Tracer *KV_Tracer::FindOrCreate(const char *name) {
     if (name == nullptr || *name == '\0') return nullptr;
-    const std::lock_guard<std::mutex> lock(tableLock);
+    const std::lock_guard<std::mutex> lock(tableLock());
     for (KV_Tracer &tracer : table) {
         if (std::strncmp(tracer.m_name, name, kNameLength) == 0) return &tracer;
     }

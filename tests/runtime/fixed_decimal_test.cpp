@@ -28,15 +28,18 @@ std::string printed(double value) {
 TEST(FixedDecimal, Fixed6IsPrintedText) {
     const double limits[] = {0,      0.5e-6,    1.5e-6,  0x1p-21,      0x1.fffffffffffffp-22,
                              0x3p-7, 0.9999995, 0x1p52,  0x1p53,       0x1.fffffffffffffp63,
-                             0x1p64, 1e22,      DBL_MAX, DBL_TRUE_MIN, HUGE_VAL,
-                             NAN};
+                             0x1p64, 1e22,      DBL_MAX, DBL_TRUE_MIN, HUGE_VAL};
     for (const double value : limits) {
         EXPECT_EQ(fixed6(value), printed(value));
         EXPECT_EQ(fixed6(-value), printed(-value));
     }
+    // The sign of what is no number is shown; not every printf does so.
+    EXPECT_EQ(fixed6(NAN), "nan");
+    EXPECT_EQ(fixed6(-NAN), "-nan");
     VariedDoubles values(42);
     for (int i = 0; i < 2000000; ++i) {
         const double value = values.next();
+        if (std::isnan(value)) continue;
         ASSERT_EQ(fixed6(value), printed(value)) << std::hexfloat << value;
     }
 }

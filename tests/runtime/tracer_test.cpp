@@ -3,12 +3,12 @@
 
 #include <cstdlib>
 #include <iostream>
-#include <latch>
 #include <locale>
 #include <map>
 #include <thread>
 #include <vector>
 
+#include "countdown.h"
 #include "runtime/trace_capture.h"
 #include "runtime/trace_line.h"
 #include "runtime/trace_sink.h"
@@ -111,11 +111,11 @@ TEST(KalvorTrace, TestsOneBitAndLeavesTheTextAsItIs) {
 
 // A piece of a line that lets the other threads go on in the middle of it.
 struct Pause {
-    std::latch &begun;
+    Countdown &begun;
     bool &done;
 };
 std::ostream &operator<<(std::ostream &out, const Pause &pause) {
-    pause.begun.count_down();
+    pause.begun.countDown();
     for (int i = 0; i < 100; ++i)
         std::this_thread::yield();
     pause.done = true;
@@ -132,10 +132,11 @@ TEST(TraceLine, LinesOfSeveralThreadsComeWholeAndDecimal) {
     trace.stream.imbue(std::locale(std::locale::classic(), new Grouping));
     trace.stream << std::hex << std::showpos << std::boolalpha;
     const auto flags = trace.stream.flags();
-    std::latch start(kThreads), begun(kThreads * kLines);
+    Countdown start(kThreads), begun(kThreads * kLines);
     bool done = false;
     const auto writeLines = [&] {
-        start.arrive_and_wait();
+        start.countDown();
+        start.wait();
         std::string text = "text\n";
         for (int i = 0; i < kLines; ++i) {
             traceLine(kTraceDetail, 255, Pause{begun, done}, true);
@@ -159,7 +160,7 @@ TEST(TraceLine, LinesOfSeveralThreadsComeWholeAndDecimal) {
 }
 
 TEST(TraceLine, DisconnectingWaitsForTheLineThatIsBeingWritten) {
-    std::latch begun(1);
+    Countdown begun(1);
     bool done = false;
     std::thread other;
     {
@@ -174,10 +175,10 @@ TEST(TraceLine, DisconnectingWaitsForTheLineThatIsBeingWritten) {
 TEST(TraceLine, StreamThatGoesWhileALineWaitsForTheLockGetsNothing) {
     for (int i = 0; i < 50; ++i) {
         TraceCapture trace(kTraceDetail);
-        std::latch begun(1);
+        Countdown begun(1);
         KV_Synch lock(KV_Tracer::GetMutex());
         std::thread other([&] {
-            begun.count_down();
+            begun.countDown();
             traceLine(kTraceDetail, "late");
         });
         begun.wait();
@@ -243,7 +244,8 @@ TEST(TraceSink, DropsUntilStartedThenGoesToTheFileOrToStandardOutput) {
                         "*** ERROR *** : module KvBaseTrac : pending");
 }
 
-// Runs when all static objects are gone, dout too.
+#if !defined(_WIN32)
+// Runs when all static objects are gone, dout too. MinGW-w64 runs such functions before them.
 __attribute__((destructor)) void traceAtTheVeryEnd() {
     if (kv::detail::traceIsOn(kTraceDetail) || earlyTracer->IsOn(0x1)) std::abort();
 }
@@ -253,5 +255,6 @@ TEST(TraceSink, TracersAreOffOnceTheTraceStreamIsGone) {
     EXPECT_EXIT(std::exit(0), testing::ExitedWithCode(0), "");
     KV_Tracer::SetTracing("KvBaseTrace", 0);
 }
+#endif
 
 }  // namespace

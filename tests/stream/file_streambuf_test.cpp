@@ -4,6 +4,7 @@
 #include <ostream>
 
 #include "stream/stream_fixture.h"
+#include "system.h"
 
 namespace {
 
@@ -39,15 +40,22 @@ TEST_F(FileStreambufOnFile, BytesComeBack) {
     EXPECT_TRUE(read == text);
 }
 
-TEST_F(FileStreambufOnFile, FailureIsNotTakenForTheEnd) {
-    KV_FStream unreadable = opened("f", "w"), unwritable = opened("f", "r");
-    FileStreambuf input(unreadable), output(unwritable);
-    expectFileError([&] { input.sgetc(); }, "ReadError;   Detail: " + std::string(spec("f").GetFileName()));
-    std::istream in(&input);
-    EXPECT_TRUE(in.get() == EOF && in.bad());
+TEST_F(FileStreambufOnFile, FailureToWriteIsSeen) {
+    static_cast<void>(opened("f", "w"));
+    KV_FStream unwritable = opened("f", "r");
+    FileStreambuf output(unwritable);
     std::ostream out(&output);
     out << "short" << std::flush;
     EXPECT_TRUE(out.bad());
+}
+
+TEST_F(FileStreambufOnFile, FailureToReadIsNotTakenForTheEnd) {
+    if (onWine()) GTEST_SKIP() << "Wine takes it for the end itself";
+    KV_FStream unreadable = opened("f", "w");
+    FileStreambuf input(unreadable);
+    expectFileError([&] { input.sgetc(); }, "ReadError;   Detail: " + std::string(spec("f").GetFileName()));
+    std::istream in(&input);
+    EXPECT_TRUE(in.get() == EOF && in.bad());
 }
 
 }  // namespace

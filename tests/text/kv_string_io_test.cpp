@@ -67,12 +67,14 @@ TEST(KVStringFormat, UnusualFormats) {
     int stored = -5;
     EXPECT_EQ(s.Format(count, "ab", &stored, 7), "ab    7");
     EXPECT_EQ(stored, 2);
-    // The C library alone knows which of the arguments such directives take.
+#if defined(__GLIBC__)
+    // The C library alone knows which of the arguments such directives take; others than this one may crash.
     for (const char *odd : {"%N%s", "%Nd%s", "%hLd%s", "%zlld%s", "%I%k%s", "%5$s%3$s", "%*2$s"}) {
         char expected[500];
         ASSERT_GT(std::snprintf(expected, sizeof expected, odd, "a", 1, "c", "d", "e"), 0) << odd;
         EXPECT_EQ(s.Format(odd, "a", 1, "c", "d", "e"), expected) << odd;
     }
+#endif
     EXPECT_EQ(s.Format("a%cb", 0), "a") << "the text ends at a zero";
     EXPECT_EQ(s.Length(), 1u);
     EXPECT_EQ(s.Format("%s", empty), "");

@@ -22,5 +22,6 @@ KV_EXPORT bool KV_WinNT4();
 /// Platform id 2, version 5 or later. Holds always: all that the library runs on counts as such.
 KV_EXPORT bool KV_WinNT5();
 
-/// The version of this library as "major.minor.patch.build". The text stays the library's.
+/// The version of this library as "major.minor.patch.build", on Windows as the version resource of the file
+/// "kvbase.dll" tells it, and the empty text when that has none. The text stays the library's.
 KV_EXPORT const char *KV_KalvorVersion();

@@ -17,7 +17,9 @@
 
 /// Lets the compiler test the arguments of a function, from number firstAt on, against its format, number
 /// formatAt. Of a member function the object is number 1.
-#if defined(__GNUC__)
+#if defined(__MINGW32__) && !defined(__clang__)  // formats are the C standard's here, not the system's
+#    define KV_PRINTF_LIKE(formatAt, firstAt) __attribute__((format(gnu_printf, formatAt, firstAt)))
+#elif defined(__GNUC__)
 #    define KV_PRINTF_LIKE(formatAt, firstAt) __attribute__((format(printf, formatAt, firstAt)))
 #else
 #    define KV_PRINTF_LIKE(formatAt, firstAt)

@@ -93,6 +93,30 @@ bool deleteFile(const KV_WString &path) {
     return systemPath(path, native) && unlink(native.c_str()) == 0;
 }
 
+bool renameFile(const KV_WString &from, const KV_WString &to) {
+    std::string nativeFrom, nativeTo;
+    return systemPath(from, nativeFrom) && systemPath(to, nativeTo) &&
+           std::rename(nativeFrom.c_str(), nativeTo.c_str()) == 0;
+}
+
+DirectoryOutcome createDirectory(const KV_WString &path) {
+    constexpr mode_t kAll = 0777;  // what the process's mask leaves of it
+    std::string native;
+    if (!systemPath(path, native)) return DirectoryOutcome::other;
+    if (mkdir(native.c_str(), kAll) == 0) return DirectoryOutcome::made;
+    switch (errno) {
+    case EEXIST:
+        return DirectoryOutcome::exists;
+    case ENOENT:
+    case ENOTDIR:
+        return DirectoryOutcome::pathNotFound;
+    default:
+        return DirectoryOutcome::other;
+    }
+}
+
+void setNormalAttributes(const KV_WString & /*path*/) {}
+
 bool pathExists(const KV_WString &path) {
     std::string native;
     if (!systemPath(path, native)) return false;
