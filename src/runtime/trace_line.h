@@ -36,18 +36,23 @@ inline void beginTraceLine(std::ostream &out, const KV_Tracer &tracer, std::uint
     const char *beginning = level == kTraceError     ? "*** ERROR *** : module "
                             : level == kTraceWarning ? "WARNING : module "
                                                      : "module ";
+    out.width(0);  // what a caller has left there is not meant for this line
     out << beginning << tracer.Name() << " : ";
 }
 
 /// When the level is on, writes a line under the trace lock: its beginning, then what write(stream) does.
+/// Raises nothing: what the lock, the stream or write raises ends the line, and no more.
 template <class Write>
 void writeTraceLine(std::uint32_t level, const Write &write) {
     if (!traceIsOn(level)) return;
-    const KV_Synch lock(KV_Tracer::GetMutex());
-    std::ostream *out = baseTracer()->Stream();  // again, now that it can no longer be taken away
-    if (out == nullptr) return;
-    beginTraceLine(*out, *baseTracer(), level);
-    write(*out);
+    try {
+        const KV_Synch lock(KV_Tracer::GetMutex());
+        std::ostream *out = baseTracer()->Stream();  // again, now that it can no longer be taken away
+        if (out == nullptr) return;
+        beginTraceLine(*out, *baseTracer(), level);
+        write(*out);
+    } catch (...) {  // would take the place of the failure that the line tells about
+    }
 }
 
 /// Writes an integer (an enumerator, a boolean as 1 or 0) in plain decimal whatever the stream's flags and
@@ -64,7 +69,8 @@ void writePiece(std::ostream &out, const Piece &piece) {
     }
 }
 
-/// A line of the pieces, end of line and flush. Pieces are not formatted when the level is off.
+/// A line of the pieces, end of line and flush. Pieces are not formatted when the level is off. Raises
+/// nothing.
 template <class... Pieces>
 void traceLine(std::uint32_t level, const Pieces &...pieces) {
     writeTraceLine(level, [&](std::ostream &out) {

@@ -5,6 +5,7 @@
 #include <functional>
 #include <memory>
 #include <regex>
+#include <streambuf>
 #include <vector>
 
 #include "runtime/trace_capture.h"
@@ -72,14 +73,38 @@ const ExceptionCase kCases[] = {
      "m ErrorId =  0x E0008 FILE f DATE d LINE 16\n"},
 };
 
+// Fails at the first byte.
+struct FullBuffer : std::streambuf {};
+
+struct TraceCase {
+    const char *name;
+    std::uint32_t mask;
+    bool hasStream, raises;
+};
+const TraceCase kTraces[] = {
+    {"on", 0x001, true, false},
+    {"off", ~0x001u, true, false},
+    {"without a stream", 0x001, false, false},
+    {"to a stream that raises", 0x001, true, true},
+};
+
 TEST(Exceptions, ShowTheirTextAndTraceTheirLineOnce) {
-    for (const std::uint32_t mask : {0x001u, ~0x001u}) {
-        TraceCapture trace(mask);
+    for (const TraceCase &tracing : kTraces) {
+        SCOPED_TRACE(tracing.name);
+        FullBuffer full;
+        TraceCapture trace(tracing.mask);
+        if (!tracing.hasStream) KV_Tracer::SetStreamP("KvBaseTrace", nullptr);
+        if (tracing.raises) {
+            static_cast<std::ostream &>(trace.stream).rdbuf(&full);
+            trace.stream.exceptions(std::ios_base::badbit | std::ios_base::failbit);
+        }
         trace.stream << std::hex << std::showbase;  // a caller's flags change no number
         for (const ExceptionCase &c : kCases) {
             SCOPED_TRACE(c.name);
+            trace.stream.width(40);             // nor does a width that is left pad the line
             const Built exception = c.build();  // copied once: the copy writes nothing
-            const bool isTraced = mask == 0x001 && c.line != nullptr;
+            const bool isTraced =
+                tracing.mask == 0x001 && tracing.hasStream && !tracing.raises && c.line != nullptr;
             EXPECT_EQ(trace.Take(),
                       isTraced ? std::string("*** ERROR *** : module KvBaseTrac : ") + c.line : "");
             EXPECT_EQ(exception->GetErrorId(), c.code);
@@ -91,6 +116,29 @@ TEST(Exceptions, ShowTheirTextAndTraceTheirLineOnce) {
             EXPECT_EQ(printed.str(), c.text);
         }
     }
+}
+
+TEST(Exceptions, AssignmentTakesEveryFieldAndTracesNothing) {
+    KV_FileException fileFailure("a", KV_FileException::ReadError, 1, KV_HERE);
+    KV_COMException componentFailure("a", KV_COMException::InvalidComponent, KV_HERE);
+    KV_AttributeException attributeFailure(1, 2);
+    KV_ProfileException profileFailure("a", KV_ERR_PROFILE_TYPE, KV_HERE);
+    const KV_FileException otherFile("b", KV_FileException::SeekError, 5, KV_HERE);
+    const KV_COMException otherComponent("b", KV_COMException::ComponentInUse, KV_HERE);
+    const KV_AttributeException otherAttribute(3, 4);
+    const KV_ProfileException otherProfile("b", KV_ERR_PROFILE_TRC, KV_HERE);
+    TraceCapture trace(0x001);
+    fileFailure = otherFile;
+    componentFailure = otherComponent;
+    attributeFailure = otherAttribute;
+    profileFailure = otherProfile;
+    KV_String text;
+    EXPECT_EQ(fileFailure.ToString(text), "File exception: SeekError;   Detail: b;   OSError: 5");
+    EXPECT_EQ(componentFailure.GetComponentError(), KV_COMException::ComponentInUse);
+    EXPECT_EQ(attributeFailure.GetReason(), 3);
+    EXPECT_EQ(attributeFailure.GetAttribute(), 4u);
+    EXPECT_EQ(profileFailure.GetKV_ErrorID(), KV_ERR_PROFILE_TRC);
+    EXPECT_EQ(trace.Take(), "");
 }
 
 // The texts of consecutive numbers, with neighbours that have none.

@@ -18,7 +18,9 @@
 //             *out << "module " << tracer->Name() << " : found " << count << " tags" << std::endl;
 //     }
 //
-// Any thread may trace at any time, also during static initialisation.
+// Any thread may trace at any time, also during static initialisation. A stream may fail, also by raising
+// what its exceptions() ask for: the library's own lines, those of KalvorTrace too, then end there, and
+// nothing reaches whoever caused them.
 
 #include <atomic>
 #include <cstdint>
