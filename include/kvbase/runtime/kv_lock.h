@@ -2,6 +2,10 @@
 
 // The locks of the system. All of them are private to one process, and none has a name. A mutex is taken
 // through its scope lock alone, so that every way out of a block releases it.
+//
+// Locks report nothing while they are used. A mutex that cannot be made tells so by throwing, at once: one
+// that locked nothing would let two threads at what it guards. A semaphore guards nothing, and one that
+// cannot be made just does nothing.
 
 #include <memory>
 
