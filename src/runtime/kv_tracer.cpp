@@ -93,8 +93,8 @@ KV_Mutex *KV_Tracer::GetMutex() {
 
 void kv::detail::disconnectTracers(const std::ostream &stream) {
     const KV_Synch lock(KV_Tracer::GetMutex());
-    for (const KV_Tracer &tracer : table) {
-        if (tracer.Stream() == &stream) KV_Tracer::SetStreamP(tracer.Name(), nullptr);
+    for (KV_Tracer &tracer : table) {  // not by name: an assignment may have given two of them the same
+        if (tracer.m_stream == &stream) tracer.m_stream = nullptr;
     }
 }
 

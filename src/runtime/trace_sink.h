@@ -22,7 +22,7 @@ bool traceFileIsSet();
 /// Opens the sink, for the rest of the process.
 void setTracingStarted();
 
-/// Takes the stream away from every tracer that writes to it, once no line is being written.
+/// Takes the stream away from every tracer of the table that writes to it, once no line is being written.
 void disconnectTracers(const std::ostream &stream);
 
 }  // namespace kv::detail

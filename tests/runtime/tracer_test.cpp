@@ -42,6 +42,27 @@ TEST(Tracer, StartsOffAndIsSharedByNamesThatAgreeInTenCharacters) {
     EXPECT_NE(KV_Tracer::FindOrCreate("MeasureTo"), tracer);
 }
 
+TEST(Tracer, CopiesStandOutsideTheTableAndAssignedRecordsInIt) {
+    std::ostringstream stream;
+    KV_Tracer *const first = KV_Tracer::FindOrCreate("Copied"), *const second =
+                                                                    KV_Tracer::FindOrCreate("Over");
+    KV_Tracer::SetStreamP("Copied", &stream);
+    KV_Tracer::SetMask("Copied", 0x6);
+    const KV_Tracer copy(*first);
+    *second = copy;
+    KV_Tracer::SetMask("Copied", 0x1);
+    for (const KV_Tracer *tracer : {&copy, static_cast<const KV_Tracer *>(second)}) {
+        EXPECT_STREQ(tracer->Name(), "Copied");
+        EXPECT_TRUE(tracer->IsOn(0x2) && !tracer->IsOn(0x1)) << "a mask of its own";
+        EXPECT_EQ(tracer->Stream(), &stream);
+    }
+    EXPECT_EQ(KV_Tracer::FindOrCreate("Copied"), first);
+    kv::detail::disconnectTracers(stream);
+    EXPECT_EQ(first->Stream(), nullptr);
+    EXPECT_EQ(second->Stream(), nullptr) << "the second of one name";
+    EXPECT_EQ(copy.Stream(), &stream) << "is not reached";
+}
+
 // Last of its suite: it fills the table for good.
 TEST(Tracer, TableHoldsSixtyFourNames) {
     const KV_Tracer *last = kv::detail::baseTracer();

@@ -33,6 +33,10 @@
 
 class KV_Mutex;
 
+namespace kv::detail {
+void disconnectTracers(const std::ostream &stream);
+}
+
 /// One record of the process's table of tracers. The table has 64 slots, which are taken by the first use of
 /// a name and never freed. Names count over their first 10 characters; a null or empty name has no tracer.
 /// Every operation by name makes the tracer when there is none.
@@ -40,10 +44,13 @@ class KV_EXPORT KV_Tracer {
 public:
     /// No name, the mask 0 and no stream.
     constexpr KV_Tracer() noexcept = default;
-    /// A record outside the table with other's name, mask and stream; no operation by name finds it.
+    /// A record outside the table with other's name, mask and stream; no operation by name finds it, and
+    /// nobody takes the stream away from it: a copy is not to be written through once its stream, which may
+    /// be dout, is gone.
     KV_Tracer(const KV_Tracer &other);
-    /// Takes over name, mask and stream. A record of the table thereby goes by the other name, or, with none,
-    /// leaves its slot free. For start-up alone: no other thread may name a tracer, or use this one.
+    /// Takes over name, mask and stream. A record of the table thereby goes by the other name (of two with
+    /// one name only the first is found) or, with none, leaves its slot free. For start-up alone: no other
+    /// thread may name a tracer, or use this one.
     KV_Tracer &operator=(const KV_Tracer &other);
     ~KV_Tracer() = default;
 
@@ -79,6 +86,8 @@ public:
     std::ostream *Stream() const noexcept { return m_stream.load(std::memory_order_acquire); }
 
 private:
+    friend void kv::detail::disconnectTracers(const std::ostream &stream);
+
     static constexpr int kNameLength = 10;
 
     char m_name[kNameLength + 1] = {};
@@ -94,7 +103,7 @@ KV_EXPORT void KalvorTrace(std::string &text, std::uint32_t level);
 
 /// The trace stream. What it gets is dropped until tracing was started; from then on it goes to the trace
 /// file, or to the standard output while there is no file. Whoever writes to it holds KV_Tracer::GetMutex().
-/// At its end, after all other static objects, it disconnects the tracers that write to it.
+/// At its end, after all other static objects, it disconnects the tracers of the table that write to it.
 extern KV_EXPORT std::ostream dout;
 
 /// A stream buffer with a put block that is allocated at the first output and freed at the end.
