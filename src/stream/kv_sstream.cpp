@@ -77,6 +77,7 @@ const char *KV_SStream::GetMemPtr() {
 
 bool KV_SStream::Open(const char *mode, bool /*text*/) {
     m_readMode = mode != nullptr && *mode == 'r';
+    ClearError();  // no seek for writing clears an end that reading met, and writes in that state are lost
     return Seek(0, SeekFromStart);
 }
 

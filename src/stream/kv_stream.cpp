@@ -31,7 +31,6 @@ std::uint32_t KV_Stream::Putf754_32(float value) { return PutlongwordBE(pack754_
 
 bool KV_Stream::ReadFile(std::string &out, bool encrypted) {
     if (!Open("rb", false)) return false;
-    ClearError();  // a stream in memory keeps its state over Open
     Seek(0, SeekFromEnd);
     const std::int64_t end = Tell();
     Seek(0, SeekFromStart);

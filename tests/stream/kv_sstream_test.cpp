@@ -85,6 +85,17 @@ TEST(SStream, SnapshotIsTakenOnceAndSharedWithCopies) {
     EXPECT_EQ(copy.Length(), 12U);
 }
 
+TEST(SStream, OpenForgetsWhatReadingMet) {
+    KV_SStream stream("ab", 2);
+    char line[8];
+    EXPECT_STREQ(stream.Gets(line, 8), "ab");  // up to the end
+    EXPECT_TRUE(stream.Open("w", false));
+    EXPECT_EQ(stream.Write("xy", 1, 2), 2U);
+    stream.Seek(9, KV_Stream::SeekFromStart);  // fails
+    EXPECT_TRUE(stream.Open("r", false));
+    EXPECT_STREQ(stream.Gets(line, 8), "xy");
+}
+
 TEST(SStream, EmptyBlockMayBeNull) {
     KV_SStream stream(nullptr, 0);
     EXPECT_EQ(stream.GetMemPtr(), nullptr);

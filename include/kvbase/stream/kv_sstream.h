@@ -14,9 +14,9 @@
 /// say which. Two ways of use: reading a block, and default construction, Open with a mode that writes,
 /// writing, then GetMemPtr and Length.
 ///
-/// A stream that met a failure does nothing, Seek included, until ClearError or Read clears that state; a Get
-/// operation that finds nothing left is one. Met by one that still got something, the end alone lets Seek
-/// move, which clears it too, but only while reading.
+/// A stream that met a failure does nothing, Seek included, until Open, ClearError, Read, or Close after
+/// writing clears that state; a Get operation that finds nothing left is one. Met by one that still got
+/// something, the end alone lets Seek move, which clears it too, but only while reading.
 ///
 /// The Get operations of the byte-order family raise nothing: test EndOfFile afterwards where the stream may
 /// end (missing bytes count as 0). Its Put operations raise KV_FileException (WriteError, OS error 0,
@@ -45,8 +45,8 @@ public:
     /// the first call, which later calls give again. It lives as long as this stream or one of its copies.
     const char *GetMemPtr() override;
 
-    /// Reads from now on if mode begins with 'r', else writes; at the start in both cases. Nothing is cut
-    /// off: writing replaces byte by byte. text is ignored.
+    /// Reads from now on if mode begins with 'r', else writes; at the start in both cases, with a clear
+    /// state. Nothing is cut off: writing replaces byte by byte. text is ignored.
     bool Open(const char *mode, bool text) override;
     /// After writing, clears a failed state, copies the stream's bytes into the caller's block, up to its
     /// length, and reads from now on.

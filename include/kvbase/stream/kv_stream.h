@@ -37,8 +37,8 @@ public:
     virtual const char *GetMemPtr() = 0;
 
     /// Opens for what mode says, "r", "w" and so on as in the C library. text asks for the platform's
-    /// translation of line endings; false reads and writes bytes as they are. False when it cannot be opened;
-    /// never raises.
+    /// translation of line endings; false reads and writes bytes as they are. Forgets an earlier failure.
+    /// False when it cannot be opened; never raises.
     virtual bool Open(const char *mode, bool text) = 0;
     /// Ends the use. True when the stream is closed, or needs no closing.
     virtual bool Close() = 0;
