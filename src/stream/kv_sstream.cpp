@@ -2,7 +2,10 @@
 
 #include <algorithm>
 #include <limits>
+#include <locale>
 #include <sstream>
+#include <string>
+#include <utility>
 
 #include "kvbase/runtime/kv_exception.h"
 #include "stream/byte_order.h"
@@ -27,6 +30,13 @@ bool fits(std::uint64_t size, std::uint64_t count, std::uint64_t limit) {
     return size == 0 || count <= limit / size;
 }
 
+// Numbers in it are written in one form, whatever global locale a program has set.
+std::shared_ptr<std::stringstream> makeStream(std::string text) {
+    auto stream = std::make_shared<std::stringstream>(std::move(text));
+    stream->imbue(std::locale::classic());
+    return stream;
+}
+
 constexpr std::uint64_t kMostAtOnce = std::numeric_limits<std::streamsize>::max();
 
 template <class Word, ByteOrder Order>
@@ -49,12 +59,11 @@ Word putWord(std::ostream &stream, Word value, const char *failure) {
 
 }  // namespace
 
-KV_SStream::KV_SStream() : m_stream(std::make_shared<std::stringstream>()) {}
+KV_SStream::KV_SStream() : m_stream(makeStream({})) {}
 
 KV_SStream::KV_SStream(const char *data, std::uint32_t length)
     : m_readMode(true),
-      m_stream(
-          std::make_shared<std::stringstream>(data != nullptr ? std::string(data, length) : std::string())),
+      m_stream(makeStream(data != nullptr ? std::string(data, length) : std::string())),
       m_memPtr(data),
       m_memLength(data != nullptr ? length : 0) {}
 

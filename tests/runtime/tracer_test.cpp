@@ -8,6 +8,7 @@
 #include <thread>
 #include <vector>
 
+#include "comma.h"
 #include "countdown.h"
 #include "runtime/trace_capture.h"
 #include "runtime/trace_line.h"
@@ -143,14 +144,10 @@ std::ostream &operator<<(std::ostream &out, const Pause &pause) {
     return out << " - ";
 }
 
-struct Grouping : std::numpunct<char> {
-    std::string do_grouping() const override { return "\1"; }
-};
-
 TEST(TraceLine, LinesOfSeveralThreadsComeWholeAndDecimal) {
     constexpr int kThreads = 3, kLines = 50;
     TraceCapture trace(kTraceDetail);
-    trace.stream.imbue(std::locale(std::locale::classic(), new Grouping));
+    trace.stream.imbue(std::locale(std::locale::classic(), new Comma));
     trace.stream << std::hex << std::showpos << std::boolalpha;
     const auto flags = trace.stream.flags();
     Countdown start(kThreads), begun(kThreads * kLines);
@@ -160,7 +157,7 @@ TEST(TraceLine, LinesOfSeveralThreadsComeWholeAndDecimal) {
         start.wait();
         std::string text = "text\n";
         for (int i = 0; i < kLines; ++i) {
-            traceLine(kTraceDetail, 255, Pause{begun, done}, true);
+            traceLine(kTraceDetail, 4095, Pause{begun, done}, true);
             KalvorTrace(text, kTraceDetail);
         }
     };
@@ -176,7 +173,7 @@ TEST(TraceLine, LinesOfSeveralThreadsComeWholeAndDecimal) {
     std::istringstream lines(trace.Take());
     for (std::string line; std::getline(lines, line);)
         ++count[line];
-    EXPECT_EQ(count, (std::map<std::string, int>{{"module KvBaseTrac : 255 - 1", kThreads * kLines},
+    EXPECT_EQ(count, (std::map<std::string, int>{{"module KvBaseTrac : 4095 - 1", kThreads * kLines},
                                                  {"module KvBaseTrac : text", kThreads * kLines}}));
 }
 

@@ -1,5 +1,6 @@
 #include <kvbase/stream/kv_sstream.h>
 
+#include "comma.h"
 #include "stream/stream_fixture.h"
 
 namespace {
@@ -25,6 +26,19 @@ TEST(SStream, TextOperations) {
     EXPECT_EQ(stream.Putc('a') & stream.Putd(1) & stream.Puts("a"), '\xFF');
     expectFileError([&] { stream.Seek(0, static_cast<KV_Stream::SeekStartPos>(-1)); },
                     "SeekError;   Detail: invalid seekorigin;   OSError: -1");
+}
+
+TEST(SStream, NumbersKeepTheirFormUnderAnyGlobalLocale) {
+    const std::locale former = std::locale::global(std::locale(std::locale::classic(), new Comma));
+    KV_SStream stream, block("", 0);
+    std::locale::global(former);
+    for (KV_SStream *each : {&stream, &block}) {
+        each->Open("w", false);
+        EXPECT_EQ(each->Putf(1.5f) | each->Putc(' ') | each->Putd(1234567), 0);
+        each->Open("r", false);
+        char text[20];
+        EXPECT_STREQ(each->Gets(text, 20), "1.5 1234567");
+    }
 }
 
 TEST(SStream, ReadCountsBytesAndWriteItems) {

@@ -7,10 +7,11 @@
 #include <cstddef>
 #include <fstream>
 #include <iterator>
-#include <locale>
 #include <streambuf>
 #include <string>
 #include <utility>
+
+#include "comma.h"
 
 // A source that hands its bytes out a few at a time and takes none back. In pieces of 0 it has no block at
 // all, as the standard input has none.
@@ -36,12 +37,6 @@ private:
     std::string m_text;
     std::size_t m_piece;
     std::size_t m_next = 0;
-};
-
-struct Comma : std::numpunct<char> {
-    char do_decimal_point() const override { return ','; }
-    char do_thousands_sep() const override { return '_'; }
-    std::string do_grouping() const override { return "\3"; }
 };
 
 // What the exception of an action says, "none" without one.

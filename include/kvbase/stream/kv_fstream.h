@@ -77,7 +77,8 @@ public:
     char Puts(const char *text) override;
 
     float Getf754_32() override;
-    /// In the form "%8.4f ", a blank behind it.
+    /// In the form "%8.4f ", a blank behind it. The decimal point is that of the C library's locale
+    /// (LC_NUMERIC), which is "C" unless the program has set another.
     char Putf(float value) override;
     std::uint32_t Putf754_32(float value) override;
     /// In the form "%d ", a blank behind it.

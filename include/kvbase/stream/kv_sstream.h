@@ -54,12 +54,14 @@ public:
     /// Does nothing; true.
     bool Remove() override;
 
-    /// Always true for a valid origin.
+    /// Always true for a valid origin. A place before the start or beyond the end is a failure all the same:
+    /// nothing moves, Tell gives -1, and what is written is lost until the state is cleared.
     bool Seek(std::int64_t offset, SeekStartPos from) override;
     /// Number of bytes read, not of items; the stream's state, end of file included, is clear afterwards. A
     /// size times count beyond 64 bits reads nothing.
     std::uint64_t Read(void *buffer, std::uint64_t size, std::uint64_t count) override;
-    /// Returns count. A size times count that no memory can hold writes nothing, fails and gives 0.
+    /// Returns count, also in a failed state, in which nothing is written: GetLastError tells. A size times
+    /// count of 2^63 bytes or more writes nothing, fails and gives 0.
     std::uint64_t Write(const void *buffer, std::uint64_t size, std::uint64_t count) override;
     std::uint64_t Flush() override;
     std::uint32_t Length() override;
@@ -86,10 +88,10 @@ public:
     char Puts(const char *text) override;
 
     float Getf754_32() override;
-    /// As a standard stream writes it, nothing behind it.
+    /// As a standard stream in the "C" locale writes it, whatever the program's locale; nothing behind it.
     char Putf(float value) override;
     std::uint32_t Putf754_32(float value) override;
-    /// As a standard stream writes it, nothing behind it.
+    /// As Putf.
     char Putd(int value) override;
 
     std::uint16_t GetwordBE() override;
