@@ -60,8 +60,8 @@ public:
     /// Number of bytes read, not of items; the stream's state, end of file included, is clear afterwards. A
     /// size times count beyond 64 bits reads nothing.
     std::uint64_t Read(void *buffer, std::uint64_t size, std::uint64_t count) override;
-    /// Returns count, also in a failed state, in which nothing is written: GetLastError tells. A size times
-    /// count of 2^63 bytes or more writes nothing, fails and gives 0.
+    /// Returns count, also in a failed or end-of-file state, in which nothing is written. A size times count
+    /// of 2^63 bytes or more writes nothing, fails and gives 0.
     std::uint64_t Write(const void *buffer, std::uint64_t size, std::uint64_t count) override;
     std::uint64_t Flush() override;
     std::uint32_t Length() override;
