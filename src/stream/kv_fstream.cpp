@@ -13,15 +13,32 @@
 
 using kv::detail::ByteOrder;
 
+namespace {
+
+// A path as trace lines show it, converted only when one is written.
+struct Shown {
+    const KV_WString &path;
+};
+std::ostream &operator<<(std::ostream &out, const Shown &shown) {
+    std::string text;
+    kv::platform::fromUnits(kv::platform::kUtf8CodePage, shown.path, text);
+    return out << text;
+}
+
+}  // namespace
+
 // What copies share. The handle is null while the file is closed.
 struct KV_FStream::OpenFile {
-    OpenFile() = default;
+    explicit OpenFile(const KV_WString &name) : path(name) {}
     OpenFile(const OpenFile &) = delete;
     OpenFile &operator=(const OpenFile &) = delete;
+    // Nobody is left here to whom a result could tell that buffered bytes did not reach the file.
     ~OpenFile() {
-        if (file != nullptr) std::fclose(file);
+        if (file != nullptr && std::fclose(file) != 0)
+            kv::detail::traceLine(kv::detail::kTraceError, "KV_FStream : Can't Close : ", Shown{path});
     }
 
+    const KV_WString path;  // the stream's own may change while copies have the file open
     std::FILE *file = nullptr;
     bool isOpen = false;
 };
@@ -61,12 +78,6 @@ Word putWord(std::FILE *file, Word value, const char *failure) {
     return value;
 }
 
-std::string utf8Of(const KV_WString &path) {
-    std::string text;
-    kv::platform::fromUnits(kv::platform::kUtf8CodePage, path, text);
-    return text;
-}
-
 }  // namespace
 
 KV_FStream::KV_FStream() = default;
@@ -91,15 +102,13 @@ bool KV_FStream::Open(const char *mode, bool text) {
     m_file.reset();
     m_text = text;
     kv::detail::composeMode(mode, text, m_mode);
-    auto opened = std::make_shared<OpenFile>();
+    auto opened = std::make_shared<OpenFile>(m_fileSpec.GetFileNameW());
     std::int32_t error = 0;
-    const KV_WString &path = m_fileSpec.GetFileNameW();
-    opened->file = kv::platform::openFile(path, m_mode, error);
+    opened->file = kv::platform::openFile(opened->path, m_mode, error);
     if (error != 0) kv::detail::traceLine(kTraceError, "KV_FStream :_wfopen_s returned : ", error);
     if (opened->file == nullptr) {
-        if (kv::detail::traceIsOn(kTraceError))
-            kv::detail::traceLine(kTraceError, "KV_FStream : Can't Open : ", utf8Of(path),
-                                  "   mode = ", mode);
+        kv::detail::traceLine(kTraceError, "KV_FStream : Can't Open : ", Shown{opened->path},
+                              "   mode = ", mode);
         return false;
     }
     opened->isOpen = true;

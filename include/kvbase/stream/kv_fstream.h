@@ -14,9 +14,10 @@
 /// A file of the C library, in the byte order that KV_Stream fixes.
 ///
 /// Copies of an open stream refer to the same open file. The file is closed once: by Close on any of them,
-/// which closes it for all, or when the last of them goes. On a closed stream every operation answers with
-/// its failure (0, null, -1, false, the exception of the byte-order family); EndOfFile is true there and
-/// GetLastError -1.
+/// which closes it for all, or when the last of them goes or gives it up, with an error line in the trace
+/// when buffered bytes could not be written: only Close says so to the caller. On a closed stream every
+/// operation answers with its failure (0, null, -1, false, the exception of the byte-order family); EndOfFile
+/// is true there and GetLastError -1.
 ///
 /// The byte-order family raises KV_FileException with the OS error -1: ReadError and "GetwordBE failed
 /// because EOF" (or the like) when the file ends within the word, with no partial result; WriteError and
@@ -97,7 +98,7 @@ public:
     std::uint64_t PutquadwordBE(std::uint64_t value) override;
     std::uint64_t PutquadwordLE(std::uint64_t value) override;
 
-    /// Closes the file unless a copy still has it open.
+    /// Closes the file unless a copy still has it open. What could not be written is told to the trace alone.
     ~KV_FStream() override;
 
 private:
