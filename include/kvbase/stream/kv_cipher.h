@@ -14,7 +14,7 @@
 /// Copies share the key schedule, counted: an Initialize on one of them keys all.
 class KV_EXPORT CBlowFish {
 public:
-    /// Without a key; what it enciphers before Initialize has no meaning.
+    /// Without a key; what it enciphers before Initialize has no meaning. Throws std::bad_alloc.
     CBlowFish();
     CBlowFish(const CBlowFish &) = default;
     CBlowFish &operator=(const CBlowFish &) = default;
@@ -44,6 +44,7 @@ private:
 /// the key.
 class KV_EXPORT Crypto {
 public:
+    /// Throws std::bad_alloc when there is no memory for the key.
     explicit Crypto(std::uint32_t seed);
 
     /// A new block with the enciphered bytes of data, padded with blanks to a multiple of 8; data stays. The

@@ -60,15 +60,18 @@ public:
     /// Reads up to length bytes as Read does and deciphers the whole blocks of 8 among them, in place. A zero
     /// byte is put behind the last character that is not a blank, since blanks pad an enciphered text: buffer
     /// must hold length + 1 bytes. Pieces of a long text must be multiples of 8 bytes. Returns the number of
-    /// bytes read, not the length of the text; 0, with the buffer untouched, when nothing came.
+    /// bytes read, not the length of the text; 0, with the buffer untouched, when nothing came. Throws
+    /// std::bad_alloc when the process's first use of the cipher finds no memory for the key; what was read
+    /// then stands in buffer as it was.
     virtual std::uint32_t ReadEncrypted(char *buffer, std::uint32_t length) = 0;
     /// Enciphers length bytes, padded with blanks to a multiple of 8, and writes them; buffer stays. Returns
-    /// what Write did, 0 when memory runs out or the padded length does not fit 32 bits.
+    /// what Write did, 0 when memory runs out or the padded length does not fit 32 bits. Throws as
+    /// ReadEncrypted, with nothing written.
     virtual std::uint32_t WriteEncrypted(const char *buffer, std::uint32_t length) = 0;
-    /// Opens, forgets an earlier failure, reads all of the stream (as many bytes as the low 32 bits of its
-    /// length say), deciphered on demand, and closes it. out gets the text up to its first zero byte. False,
-    /// with out untouched, when the stream cannot be opened, is empty, or has no length, and when memory runs
-    /// out.
+    /// Opens, reads all of the stream (as many bytes as the low 32 bits of its length say), deciphered on
+    /// demand, and closes it. out gets the text up to its first zero byte; when reading fails on the way,
+    /// that of the part that came, and the result is true then too. False, with out untouched, when the
+    /// stream cannot be opened, is empty, or has no length, and when memory runs out.
     virtual bool ReadFile(std::string &out, bool encrypted) = 0;
 
     /// Not 0 after a failure, until ClearError.
