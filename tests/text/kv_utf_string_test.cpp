@@ -1,8 +1,11 @@
 #include <gtest/gtest.h>
 #include <kvbase/text/kv_utf_string.h>
 
+#include <locale>
 #include <sstream>
 #include <string>
+
+#include "comma.h"
 
 namespace {
 
@@ -111,6 +114,7 @@ TEST(UtfString, ReadsAndSanitisesTheWholeString) {
 
 TEST(UtfString, PrintsRunesInBracketsAndKeepsTheFlags) {
     std::ostringstream out;
+    out.imbue(std::locale(std::locale::classic(), new Comma));  // groups of three digits
     out << std::dec << std::showbase << std::uppercase;
     out << KV_UTFString("caf" E_ACUTE) << 26 << KV_UTFString(EURO "\x9F\xA0");
     EXPECT_EQ(out.str(), "caf[e9]26[20ac]\x9F[80]");

@@ -1,8 +1,11 @@
 #include "kvbase/text/kv_utf_string.h"
 
+#include <charconv>
 #include <cstring>
 #include <istream>
+#include <iterator>
 #include <ostream>
+#include <string_view>
 
 #include "adt/text/byte_range.h"
 #include "kvbase/text/kv_string7bit.h"
@@ -11,7 +14,8 @@ namespace {
 
 constexpr unsigned int kAlone = 0xA0;  // a byte below is written as it is
 
-// Hexadecimal alone while it lives, then the stream's own flags again.
+// Hexadecimal alone while it lives, then the stream's own flags again: with "left" among them a width would
+// split the text behind its first byte, with "unitbuf" each byte would be flushed.
 class HexFlags {
 public:
     explicit HexFlags(std::ostream &stream) : m_stream(stream), m_flags(stream.flags(std::ios_base::hex)) {}
@@ -133,7 +137,9 @@ void KV_UTFString::PrintOn(std::ostream &stream) const {
         }
         unsigned short rune;
         s += chartorune(&rune, s);
-        stream << '[' << rune << ']';
+        char digits[4];  // of 16 bits; by the stream they would be grouped as its locale has it
+        const char *const end = std::to_chars(digits, std::end(digits), rune, 16).ptr;
+        stream << '[' << std::string_view(digits, end) << ']';
     }
 }
 
