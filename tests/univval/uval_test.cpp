@@ -5,10 +5,12 @@
 #include <cmath>
 #include <cstring>
 #include <limits>
+#include <locale>
 #include <memory>
 #include <sstream>
 #include <utility>
 
+#include "comma.h"
 #include "kvbase/text/kv_system_string.h"
 #include "kvbase/univval/kv_uval_dict.h"
 #include "kvbase/univval/kv_uval_leaf.h"
@@ -264,6 +266,12 @@ TEST(UVal, Prints) {
     std::ostringstream expected;
     expected << "(Ptr#1) {" << static_cast<const void *>(&pointer) << ",}";
     EXPECT_EQ(printed(pointer), expected.str());
+    KV_UValLong thousand(1000, nullptr);
+    thousand.SetNrItemsToPrint(0);
+    std::ostringstream grouping;
+    grouping.imbue(std::locale(std::locale::classic(), new Comma));
+    grouping << thousand;
+    EXPECT_EQ(grouping.str(), "(Long#1000) ");
 }
 
 TEST(UVal, OtherFamiliesAnswerNeutrally) {

@@ -5,6 +5,7 @@
 #include <cstring>
 #include <memory>
 #include <ostream>
+#include <string>
 #include <type_traits>
 
 #include "adt/univval/dict_access.h"
@@ -114,7 +115,7 @@ void UValLeaf<Leaf, Element>::PrintOn(std::ostream &stream) {
         printElement(stream, m_scalar);
         return;
     }
-    stream << '#' << GetDimension() << ") ";
+    stream << '#' << std::to_string(GetDimension()) << ") ";  // ungrouped, whatever the stream's locale
     if (GetNrItemsToPrint() < 1) return;
     stream << '{';
     const std::int32_t count = std::min(GetNrItemsToPrint(), GetDimension());
