@@ -192,10 +192,13 @@ TEST(UValDict, TextGoesToTheStringFamilyAlone) {
         EXPECT_EQ(dict.GetValue(path, KV_String("none"), 0), "none");
         EXPECT_EQ(dict.GetValue(path, KV_UTFString("none"), 0), "none");
     }
-    dict.SetValue("s", "\xE9", 0);
-    EXPECT_EQ(dict.GetValue("s", KV_UTFString(), 0), "#");
-    dict.SetValue("s", KV_UTFString("\xC3\xA9"), 0);
-    EXPECT_EQ(dict.GetValue("s", KV_UTFString(), 0), "\xC3\xA9");
+    for (const char *path : {"s", "u"}) {
+        dict.SetValue(path, KV_String("\xE9"), 0);
+        EXPECT_EQ(dict.GetValue(path, KV_String(), 0), "\xE9") << path;
+        EXPECT_EQ(dict.GetValue(path, KV_UTFString(), 0), "#") << path;
+        dict.SetValue(path, KV_UTFString("\xC3\xA9"), 0);
+        EXPECT_EQ(dict.GetValue(path, KV_UTFString(), 0), "\xC3\xA9") << path;
+    }
 }
 
 TEST(UValDict, OrdersKeysAsUnsignedBytesAndPrints) {

@@ -78,10 +78,10 @@ KV_String KV_UValDict::GetValue(const KV_DictPath &path, const KV_String &defaul
 
 KV_UTFString KV_UValDict::GetValue(const KV_DictPath &path, const KV_UTFString &defaultValue,
                                    std::int32_t index) {
-    KV_UVal *value = GetUVal(path);
-    if (auto *utf = as<KV_UValUTFString>(value, KV_UVAL_UTFSTRING)) return utf->GetValue(index);
-    if (auto *text = as<KV_UValString>(value, KV_UVAL_STRING)) return KV_UTFString(text->GetValue(index));
-    return defaultValue;
+    // Through a plain string, which is looked at, also from a KV_UValUTFString: a setter may have given it
+    // bytes as they stand.
+    const KV_Str *text = textOf(GetUVal(path), index);
+    return text != nullptr ? KV_UTFString(KV_String(*text)) : defaultValue;
 }
 
 void *KV_UValDict::GetValue(const KV_DictPath &path, void *defaultValue, std::int32_t index) {
