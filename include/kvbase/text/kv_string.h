@@ -203,7 +203,9 @@ public:
     /// Writes the source's bytes in the place of the range. With equal lengths they overwrite it; a source
     /// that holds a 0 is copied up to that, and the rest of the range is filled with 0. With other lengths
     /// the owner's tail moves, and the range, which goes on describing its old length, should be used no
-    /// further. The source may be the owner, or another range of it, as it was before.
+    /// further. A tail that moves towards the front does so up to its first 0 only: in the place of what
+    /// stood behind that 0, the owner keeps the bytes that lay there before. The source may be the owner, or
+    /// another range of it, as it was before.
     KV_SubStr &operator=(const KV_SubStr &source);
     KV_SubStr &operator=(const KV_Str &source);
 
