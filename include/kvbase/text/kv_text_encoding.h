@@ -18,7 +18,7 @@ public:
     /// Has no code page: conversions from and to the system's encoding fail until Initialize.
     constexpr KV_TextEncodingConverter() noexcept = default;
 
-    /// With null: takes the process's own encoding, or the code page whose number stands behind the first "."
+    /// With null: takes the process's own encoding, or the code page whose number stands behind the last "."
     /// in the name of the current locale. On POSIX the own encoding of a process in the C locale is UTF-8.
     /// With a name given, nothing changes. Returns 0.
     int Initialize(const char *locale);

@@ -85,7 +85,7 @@ struct Scratch {
 
 int kv::detail::codePageOf(std::string_view localeName) {
     int codePage = kv::platform::kDefaultCodePage;
-    const std::size_t dot = localeName.find('.');
+    const std::size_t dot = localeName.rfind('.');  // a country's name may have some, too
     // What is no number, such as the end of "C.UTF-8", leaves the process's own.
     if (dot != std::string_view::npos)
         std::from_chars(localeName.data() + dot + 1, localeName.data() + localeName.size(), codePage);
