@@ -112,7 +112,12 @@ TEST_F(SystemText, SystemStringKeepsAndDropsItsUtfForm) {
     EXPECT_EQ(TakeErrors(), "mCodePage < 0\n");
     EXPECT_TRUE(text.GetSystemString().IsEmpty());
 
+    KV_SystemString early("x\x80", false);
+    const KV_UTFString *const failed = &early.GetUtfString();
+    EXPECT_TRUE(failed->IsEmpty());
     KV_SystemString::mSystemTEC = CodePage(1252);
+    EXPECT_EQ(&early.GetUtfString(), failed) << "tries again, for the same object";
+    EXPECT_STREQ(failed->Ptr(), "x" EURO);
     EXPECT_EQ(text.Set(KV_UTFString("x" EURO)), 0);
     EXPECT_STREQ(text.GetSystemString(), "x\x80");
     const KV_UTFString *form = &text.GetUtfString();
@@ -142,7 +147,13 @@ TEST_F(SystemText, InitializeTakesTheProcessesEncoding) {
     const struct {
         const char *localeName;
         int codePage;
-    } rows[] = {{"x.1252", 1252}, {"C", 0}, {"C.UTF-8", 0}, {"de.ISO8859-1", 0}, {"x.", 0}, {"", 0}};
+    } rows[] = {{"x.1252", 1252},
+                {"Chinese (Traditional)_Hong Kong S.A.R..950", 950},
+                {"C", 0},
+                {"C.UTF-8", 0},
+                {"de.ISO8859-1", 0},
+                {"x.", 0},
+                {"", 0}};
     for (const auto &row : rows)
         EXPECT_EQ(kv::detail::codePageOf(row.localeName), row.codePage) << row.localeName;
     EXPECT_EQ(KV_SystemString::Initialize("German_Germany.1252"), 0);

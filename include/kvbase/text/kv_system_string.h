@@ -31,8 +31,9 @@ public:
     /// Copy the bytes as they stand. Return 0.
     int Set(KV_SystemString &other);
     int Set(const KV_String &text);
-    /// Converts to the system's encoding. Returns 0, or -1 when that failed: a rune without a form there is
-    /// "?" in the text, and what could not be converted at all leaves the empty text.
+    /// Converts to the system's encoding, up to the first 0 byte; what stands behind that is left out, which
+    /// is no failure. Returns 0, or -1 when the conversion failed: a rune without a form there is "?" in the
+    /// text, and what could not be converted at all leaves the empty text.
     int Set(const KV_UTFString &text);
     /// With isUtf, sanitises the text and converts it as above; else copies the bytes and returns 0. The text
     /// may be that of this object. Null counts as the empty text.
@@ -40,7 +41,8 @@ public:
 
     /// The text in the system's encoding.
     const KV_String &GetSystemString() const { return m_text; }
-    /// The text in UTF-8, empty when the conversion failed. It stays this object's, until the text changes.
+    /// The text in UTF-8. It stays this object's, until the text changes. Empty when the conversion failed;
+    /// the next call then tries again, and fills the same string.
     const KV_UTFString &GetUtfString() const;
 
     /// Writes the system text.

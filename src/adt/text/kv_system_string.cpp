@@ -51,10 +51,11 @@ int KV_SystemString::Set(const char *text, bool isUtf) {
 }
 
 const KV_UTFString &KV_SystemString::GetUtfString() const {
-    if (m_utf == nullptr) {
+    if (m_utf == nullptr) m_utf = std::make_unique<KV_UTFString>();
+    if (m_utf->IsEmpty() && !m_text.IsEmpty()) {  // new, or failed before
         const Buffer buffer(m_text.Length());
         mSystemTEC.Text2Utf(m_text.Ptr(), buffer.bytes.get(), buffer.size);
-        m_utf = std::make_unique<KV_UTFString>(buffer.bytes.get());
+        *m_utf = buffer.bytes.get();
     }
     return *m_utf;
 }
