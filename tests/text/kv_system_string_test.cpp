@@ -138,6 +138,11 @@ TEST_F(SystemText, SystemStringKeepsAndDropsItsUtfForm) {
     text.PrintOn(out);
     EXPECT_EQ(out.str(), "?");
     EXPECT_STREQ(KV_SystemString("\x80\x80\x80", false).GetUtfString(), EURO EURO EURO) << "room for all";
+    KV_SystemString::mSystemTEC = CodePage(932);
+    const KV_UTFString nihon("\xE6\x97\xA5\xE6\x9C\xAC\xE8\xA1\xA8");
+    EXPECT_EQ(text.Set(nihon), 0);
+    EXPECT_STREQ(text.GetSystemString(), "\x93\xFA\x96\x7B\x95\\") << "the last byte is no separator";
+    EXPECT_STREQ(KV_SystemString(text).GetUtfString(), nihon);
     KV_SystemString::mSystemTEC = CodePage(65001);
     EXPECT_EQ(text.Set(KV_UTFString(EURO EURO)), 0);
     EXPECT_STREQ(text.GetSystemString(), EURO EURO);
