@@ -31,6 +31,7 @@
 
 #include "kvbase/univval/kv_dict_path.h"
 #include "kvbase/univval/kv_uval.h"
+#include "kvbase/univval/kv_uval_binary.h"
 #include "kvbase/univval/kv_uval_dict.h"
 #include "kvbase/univval/kv_uval_leaf.h"
 #include "kvbase/univval/kv_uval_text.h"

@@ -14,6 +14,7 @@
 #include "kvbase/univval/kv_uval.h"
 
 class KV_FileSpec;
+class KV_Stream;
 
 namespace kv::detail {
 struct DictAccess;
@@ -190,6 +191,33 @@ public:
     /// the global one.
     void WriteTextFile(KV_FileSpec &file);
     void WriteTextFile(std::ostream &stream);
+
+    /// Writes this dictionary in binary form (kv_uval_binary.h), header included, at the stream's position,
+    /// in blocks of 512 bytes. Throws KV_FileException with "WriteError": when the stream isn't open, when it
+    /// takes less than it is given, and, before the first byte, when something in the tree is beyond the
+    /// form's limits; the message then names the entry. A value of a type above 12 raises
+    /// KV_BinPackException, before the first byte as well.
+    void AppendBinToStream(KV_Stream *stream);
+    /// Reads a dictionary in binary form from the stream's position, as KV_BinPackUValDict::Get tells. The
+    /// stream then stands directly behind it, so that another may follow; a stream that can't tell its
+    /// position is read to its end and moved back as far as it lets itself be moved. Throws KV_FileException:
+    /// "ReadError" when the stream ends too early, or the data names more bytes than the stream still holds;
+    /// "InvalidFile" when this is no such form, or its statements contradict each other. This dictionary is
+    /// unchanged on failure; the stream stands somewhere.
+    void ReadBinFromStream(KV_Stream *stream);
+    /// AppendBinToStream into a file of its own. Throws KV_FileException as that does, the file untouched
+    /// when something is beyond the limits; "OpenWrError" when the file doesn't open, and "WriteError" when
+    /// it can't be written whole.
+    void WriteBinFile(KV_FileSpec &file);
+    /// ReadBinFromStream from the beginning of a file. Throws as that does, and KV_FileException with
+    /// "OpenRdError" when the file doesn't open.
+    void ReadBinFile(KV_FileSpec &file);
+    /// The number of bytes that AppendBinToStream writes, 2147483647 when they are more. Throws as that does
+    /// for what is beyond the limits.
+    std::int32_t ByteSize();
+    /// Reads a file of either form: ReadBinFile, and when that finds it invalid, ReadTextFile without a name.
+    /// Throws KV_FileException as the last of these does.
+    void ReadFile(KV_FileSpec &file);
 
 private:
     friend struct kv::detail::DictAccess;

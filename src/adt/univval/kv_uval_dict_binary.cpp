@@ -1,0 +1,200 @@
+// The binary files of dictionaries.
+
+#include <algorithm>
+#include <cstring>
+#include <limits>
+#include <vector>
+
+#include "binary_form.h"
+#include "kvbase/runtime/kv_exception.h"
+#include "kvbase/runtime/kv_file_spec.h"
+#include "kvbase/stream/kv_fstream.h"
+#include "kvbase/univval/kv_uval_binary.h"
+#include "kvbase/univval/kv_uval_dict.h"
+
+using namespace kv::detail;
+
+namespace {
+
+constexpr std::size_t kBlockSize = 512;
+
+/// Puts header and dictionary into a block and calls drain(block, bytes, isLast) each time that it is full
+/// and there is more, and with the last one, which is never empty.
+template <class Drain>
+void putThroughBlock(KV_UValDict &dict, const Drain &drain) {
+    unsigned char block[kBlockSize];
+    unsigned char *cursor = block;
+    const auto put = [&](auto &layer) {
+        while (layer.Put(&cursor, block + kBlockSize) != 0) {
+            drain(block, kBlockSize, false);
+            cursor = block;
+        }
+    };
+    std::uint16_t magicLength = sizeof kBinaryMagic;
+    char magic[sizeof kBinaryMagic];
+    std::memcpy(magic, kBinaryMagic, sizeof magic);
+    KV_BinPackAtom atom;
+    atom.Specify(kAtom16, &magicLength, 1);
+    put(atom);
+    atom.Specify(kAtomText, magic, sizeof magic);
+    put(atom);
+    KV_BinPackUValDict body;
+    body.Specify(&dict);
+    put(body);
+    drain(block, static_cast<std::size_t>(cursor - block), true);
+}
+
+void append(KV_UValDict &dict, KV_Stream &stream) {
+    putThroughBlock(dict, [&stream](const unsigned char *block, std::size_t size, bool isLast) {
+        if (stream.Write(block, 1, size) == size) return;
+        throw KV_FileException(isLast ? "AppendBinToStream written buffer differs from given buffer"
+                                      : "AppendBinToStream could not write the complete buffer",
+                               KV_FileException::WriteError, 0, KV_HERE);
+    });
+}
+
+/// A stream read block by block.
+class BlockReader {
+public:
+    explicit BlockReader(KV_Stream &stream) : m_stream(stream), m_begin(stream.Tell()) {}
+
+    /// Gets all of a layer.
+    template <class Layer>
+    void get(Layer &layer) {
+        while (layer.Get(&m_cursor, m_end) != 0)
+            next();
+    }
+    /// How many bytes are still to come. They are read at once when the stream doesn't know.
+    std::uint64_t rest() {
+        const std::int64_t now = m_stream.Tell();
+        if (m_begin >= 0 && now - m_begin == m_taken && m_stream.Seek(0, KV_Stream::SeekFromEnd)) {
+            const std::int64_t end = m_stream.Tell();
+            if (m_stream.Seek(now, KV_Stream::SeekFromStart) && end >= now)
+                return unread() + static_cast<std::uint64_t>(end - now);
+        }
+        readAll();
+        return unread();
+    }
+    /// Moves the stream back to the first byte that wasn't got.
+    void giveBack() { m_stream.Seek(-static_cast<std::int64_t>(unread()), KV_Stream::SeekFromCurrent); }
+
+private:
+    std::uint64_t unread() const { return static_cast<std::uint64_t>(m_end - m_cursor); }
+
+    void next() {
+        const std::uint64_t got = std::min<std::uint64_t>(m_stream.Read(m_block, 1, kBlockSize), kBlockSize);
+        if (got == 0) {
+            throw KV_FileException("ReadBinFromStream failed, 0 bytes read.", KV_FileException::ReadError, 0,
+                                   KV_HERE);
+        }
+        m_taken += static_cast<std::int64_t>(got);
+        m_cursor = m_block;
+        m_end = m_block + got;
+    }
+
+    void readAll() {
+        m_all.assign(m_cursor, m_end);
+        for (std::uint64_t got = kBlockSize; got != 0;) {
+            got = std::min<std::uint64_t>(m_stream.Read(m_block, 1, kBlockSize), kBlockSize);
+            m_all.insert(m_all.end(), m_block, m_block + got);
+        }
+        m_cursor = m_all.data();
+        m_end = m_cursor + m_all.size();
+    }
+
+    KV_Stream &m_stream;
+    std::int64_t m_begin;      // the stream's position, negative when it has none
+    std::int64_t m_taken = 0;  // bytes read since
+    unsigned char m_block[kBlockSize];
+    unsigned char *m_cursor = m_block, *m_end = m_block;
+    std::vector<unsigned char> m_all;  // when all was read at once
+};
+
+[[noreturn]] void failAsInvalid(const char *message) {
+    throw KV_FileException(message, KV_FileException::InvalidFile, 0, KV_HERE);
+}
+
+void read(KV_UValDict &dict, KV_Stream &stream) {
+    BlockReader reader(stream);
+    std::uint16_t magicLength = 0;
+    char magic[sizeof kBinaryMagic];
+    KV_BinPackAtom atom;
+    atom.Expect(kAtom16, &magicLength, 1);
+    reader.get(atom);
+    if (magicLength != sizeof magic)
+        failAsInvalid("ReadBinFromStream failed ( MAGIC_STRING ) because it is an invalid file");
+    atom.Expect(kAtomText, magic, sizeof magic);
+    reader.get(atom);
+    if (std::memcmp(magic, kBinaryMagic, sizeof magic) != 0)
+        failAsInvalid("ReadBinFromStream failed ( UVAL_DICT ) because it is an invalid file");
+    KV_BinPackUValDict body;
+    body.Specify(&dict);
+    body.SetRest(reader.rest());
+    reader.get(body);
+    reader.giveBack();
+}
+
+/// Opens a file and goes to its beginning.
+void open(KV_FStream &stream, const char *mode, KV_FileException::KV_File_ErrorID error,
+          const char *failure) {
+    if (!stream.Open(mode, false)) throw KV_FileException(failure, error, 0, KV_HERE);
+    stream.Seek(0, KV_Stream::SeekFromStart);
+}
+
+}  // namespace
+
+void KV_UValDict::AppendBinToStream(KV_Stream *stream) {
+    if (stream == nullptr || !stream->IsOpen()) {
+        throw KV_FileException("AppendBinToStream failed because file is not open",
+                               KV_FileException::WriteError, 0, KV_HERE);
+    }
+    checkBinaryLimits(*this);
+    append(*this, *stream);
+}
+
+void KV_UValDict::ReadBinFromStream(KV_Stream *stream) {
+    if (stream == nullptr) {
+        throw KV_FileException("ReadBinFromStream failed, 0 bytes read.", KV_FileException::ReadError, 0,
+                               KV_HERE);
+    }
+    try {
+        read(*this, *stream);
+    } catch (const KV_BinPackException &) {
+        failAsInvalid("Caught exception KV_BinPackException in ReadBinFromStream");
+    }
+}
+
+void KV_UValDict::WriteBinFile(KV_FileSpec &file) {
+    checkBinaryLimits(*this);  // before the file is emptied
+    KV_FStream stream(file);
+    open(stream, "w", KV_FileException::OpenWrError, "WriteBinFile could not open file for write");
+    append(*this, stream);
+    if (!stream.Close()) {
+        throw KV_FileException("WriteBinFile could not write the complete file", KV_FileException::WriteError,
+                               0, KV_HERE);
+    }
+}
+
+void KV_UValDict::ReadBinFile(KV_FileSpec &file) {
+    KV_FStream stream(file);
+    open(stream, "r", KV_FileException::OpenRdError, "ReadBinFile could not open file for read");
+    ReadBinFromStream(&stream);
+}
+
+std::int32_t KV_UValDict::ByteSize() {
+    checkBinaryLimits(*this);
+    constexpr std::uint64_t kMost = std::numeric_limits<std::int32_t>::max();
+    std::uint64_t total = 0;
+    putThroughBlock(*this, [&total](const unsigned char *, std::size_t size, bool) { total += size; });
+    return static_cast<std::int32_t>(std::min(total, kMost));
+}
+
+void KV_UValDict::ReadFile(KV_FileSpec &file) {
+    try {
+        ReadBinFile(file);
+        return;
+    } catch (const KV_FileException &e) {
+        if (e.GetFileErrorId() != KV_FileException::InvalidFile) throw;
+    }
+    ReadTextFile(file, "");
+}
