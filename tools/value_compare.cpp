@@ -56,6 +56,8 @@ std::string whyDifferent(KV_UVal *a, KV_UVal *b) {
                 if (!std::isfinite(a->GetDoubleValue(i))) return whyNumberDiffers(a->GetDoubleValue(i));
         return "is not read back as it was";
     }
+    if (a->GetType() != KV_UVAL_DICT && a->GetNrItemsToPrint() != b->GetNrItemsToPrint())
+        return "has a number of items to print, which has no text form";
     for (std::int32_t i = 0; i < std::max<std::int32_t>(1, a->GetDimension()); ++i)
         if (!sameElement(*a, *b, i))
             return number ? whyNumberDiffers(a->GetDoubleValue(i)) : "is not read back as it was";
@@ -122,7 +124,7 @@ std::vector<std::string> differences(KV_UValDict &root, KV_UValDict &other, std:
         if (!present &&
             (walk.key().empty() || walk.key().find(KV_DictPath::GetSeparator()) != std::string::npos))
             reason = "a key that is empty or holds the path separator is not read back";
-        else if (partners.back() != nullptr)
+        else if (partners.back() != nullptr && !(present && value == nullptr && partner == nullptr))
             reason = whyDifferent(value, partner);
         if (reason.empty() && below != nullptr &&
             static_cast<KV_UValDict *>(value)->GetSize() < below->GetSize())

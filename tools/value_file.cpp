@@ -1,9 +1,12 @@
 #include "value_file.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <filesystem>
+#include <limits>
 #include <memory>
 #include <sstream>
+#include <string_view>
 
 #include "command.h"
 #include "file_replace.h"
@@ -29,7 +32,7 @@ std::string placeIn(const std::string &bytes, std::istream &stream) {
     return "line " + std::to_string(std::count(bytes.begin(), end, '\n') + 1);
 }
 
-std::unique_ptr<KV_UVal> parse(const std::string &file, const std::string &bytes) {
+std::unique_ptr<KV_UVal> parseText(const std::string &file, const std::string &bytes) {
     std::istringstream stream(bytes);
     KV_UVal *value = nullptr;
     try {
@@ -38,6 +41,47 @@ std::unique_ptr<KV_UVal> parse(const std::string &file, const std::string &bytes
         throw BadInput(file, placeIn(bytes, stream) + ": " + textOf(error));
     }
     return std::unique_ptr<KV_UVal>(value);
+}
+
+// Every version of the binary form has its name at this place.
+bool isBinary(const std::string &bytes) {
+    constexpr std::string_view name = "UVALBINDUMP_";
+    constexpr std::size_t place = 8;
+    return bytes.size() >= place && bytes.compare(place, name.size(), name) == 0;
+}
+
+// Reads a dictionary in binary form. How many of the bytes it takes.
+std::size_t parseBinary(const std::string &file, const std::string &bytes, KV_UValDict &dict) {
+    if (bytes.size() > std::numeric_limits<std::uint32_t>::max())
+        throw BadInput(file, "is larger than the tool reads");
+    KV_SStream stream(bytes.data(), static_cast<std::uint32_t>(bytes.size()));
+    try {
+        dict.ReadBinFromStream(&stream);
+    } catch (const KV_FileException &error) {
+        throw BadInput(file, textOf(error));
+    }
+    return static_cast<std::size_t>(stream.Tell());
+}
+
+std::unique_ptr<KV_UVal> parse(const std::string &file, const std::string &bytes) {
+    if (!isBinary(bytes)) return parseText(file, bytes);
+    auto dict = std::make_unique<KV_UValDict>(0);
+    parseBinary(file, bytes, *dict);
+    return dict;
+}
+
+std::string binaryForm(KV_UValDict &dict) {
+    KV_SStream stream;
+    stream.Open("w", false);
+    dict.AppendBinToStream(&stream);
+    return {stream.GetMemPtr(), stream.Length()};
+}
+
+std::string textForm(KV_UValDict &dict) {
+    std::ostringstream stream;
+    dict.WriteTextFile(stream);
+    stream << '\n';
+    return stream.str();
 }
 
 std::string list(const std::vector<std::string> &lines) {
@@ -54,34 +98,58 @@ bool isSameFile(const std::string &a, const std::string &b) {
 
 }  // namespace
 
+const char *formName(ValueForm form) { return form == ValueForm::Text ? "text" : "binary"; }
+
 ValueFile::ValueFile(const std::string &file) : m_file(file) {
     const std::string bytes = readBytes(file);
-    const std::unique_ptr<KV_UVal> value = parse(file, bytes);
+    if (isBinary(bytes))
+        readBinary(bytes);
+    else
+        readText(bytes);
+}
+
+void ValueFile::readText(const std::string &bytes) {
+    const std::unique_ptr<KV_UVal> value = parseText(m_file, bytes);
     if (value->GetType() != KV_UVAL_DICT)
-        throw BadInput(file,
+        throw BadInput(m_file,
                        std::string("holds a single ") + typeName(value->GetType()) + ", not a dictionary");
     static_cast<KV_UValDict &>(*value).MoveTo(&m_dict);
     m_unkept = surveyText(bytes);
 }
 
-ValueFile ValueFile::openOrNew(const std::string &file) {
-    std::error_code ignored;
-    if (std::filesystem::exists(file, ignored)) return ValueFile(file);
-    return {file, New()};
+void ValueFile::readBinary(const std::string &bytes) {
+    m_form = ValueForm::Binary;
+    const std::size_t size = parseBinary(m_file, bytes, m_dict);
+    if (binaryForm(m_dict) != std::string_view(bytes).substr(0, size))
+        m_unkept.emplace_back(
+            "another byte order, a key twice or with the path separator, or a text that is no UTF-8");
+    if (size < bytes.size())
+        m_unkept.push_back(std::to_string(bytes.size() - size) + " bytes behind the values");
 }
 
-std::string ValueFile::textForm() {
-    std::ostringstream stream;
-    m_dict.WriteTextFile(stream);
-    stream << '\n';
-    return stream.str();
+ValueFile ValueFile::openOrNew(const std::string &file, ValueForm form) {
+    std::error_code ignored;
+    if (std::filesystem::exists(file, ignored)) return ValueFile(file);
+    return {file, form, New()};
+}
+
+// The values in their form. Throws BadInput, on behalf of the file to be written, when it has no place for
+// them.
+std::string ValueFile::bytes(const std::string &to) {
+    if (m_form == ValueForm::Text) return textForm(m_dict);
+    try {
+        return binaryForm(m_dict);
+    } catch (const KV_FileException &error) {
+        throw BadInput(to, textOf(error));
+    }
 }
 
 std::vector<std::string> ValueFile::unwritable() {
     std::unique_ptr<KV_UVal> back;
     try {
-        back = parse(m_file, textForm());
+        back = parse(m_file, bytes(m_file));
     } catch (const BadInput &) {
+        if (m_form == ValueForm::Binary) throw;
         return unreadableKeys();
     }
     return differences(m_dict, static_cast<KV_UValDict &>(*back), kMostLines);
@@ -101,16 +169,16 @@ void ValueFile::write(const std::string &to, bool force) {
     if (isTooDeep())
         throw BadInput(to, "is left as it was: the tool writes no more than " + std::to_string(kDeepestTree) +
                                " levels");
+    const std::string written = bytes(to);
     const std::vector<std::string> lost = unwritable();
     if (!force && !lost.empty())
-        throw BadInput(to, "is left as it was, for the text form can't hold:" + list(lost) +
-                               "\n--force writes what it can");
+        throw BadInput(to, std::string("is left as it was, for the ") + formName(m_form) +
+                               " form can't hold:" + list(lost) + "\n--force writes what it can");
     if (!force && isSameFile(to, m_file) && !m_unkept.empty())
         throw BadInput(to, "is left as it was, for it holds what would be lost:" + list(m_unkept) +
                                "\n--force writes all the same, --output FILE writes elsewhere");
-    const std::string text = textForm();
-    parse(to, text);  // whatever is lost, a file that can't be read is never written
-    replaceFile(to, text);
+    parse(to, written);  // whatever is lost, a file that can't be read is never written
+    replaceFile(to, written);
 }
 
 bool ValueFile::isTooDeep() { return sizeOf(m_dict).depth > kDeepestTree; }

@@ -11,24 +11,33 @@ namespace kvtool {
 /// ask for a text as large as the square of its size.
 constexpr std::size_t kDeepestTree = 256;
 
-/// A file of values in text form, read whole.
+/// How values are kept in a file.
+enum class ValueForm { Text, Binary };
+/// The names of the forms, "text" and "binary".
+const char *formName(ValueForm form);
+
+/// A file of values in either form, read whole. It is written in the form in which it was read.
 class ValueFile {
 public:
-    /// Reads the file. Throws BadInput with the line when it isn't a dictionary in text form.
+    /// Reads the file; its content tells the form. Throws BadInput, for a text with the line, when it isn't a
+    /// dictionary.
     explicit ValueFile(const std::string &file);
-    /// The same, or an empty dictionary when there is no such file.
-    static ValueFile openOrNew(const std::string &file);
+    /// The same, or an empty dictionary, to be written in that form, when there is no such file.
+    static ValueFile openOrNew(const std::string &file, ValueForm form);
 
     const std::string &file() const { return m_file; }
     KV_UValDict &dict() { return m_dict; }
+    ValueForm form() const { return m_form; }
+    /// Has the values written in another form.
+    void setForm(ValueForm form) { m_form = form; }
 
-    /// What the file's text holds that its values don't (value_survey.h). Writing the values back over the
-    /// file loses it.
+    /// What the file holds that its values don't (value_survey.h). Writing the values back over the file
+    /// loses it.
     const std::vector<std::string> &unkept() const { return m_unkept; }
     /// Whether there are more levels than kDeepestTree.
     bool isTooDeep();
-    /// What the text form can't hold of the values as they now are, at most ten lines "PATH: reason". Not to
-    /// be asked of values that are too deep.
+    /// What the form can't hold of the values as they now are, at most ten lines "PATH: reason". Not to be
+    /// asked of values that are too deep.
     std::vector<std::string> unwritable();
 
     /// Writes the values to a file, which is replaced wholly or not at all. Throws BadInput, and the file
@@ -38,12 +47,15 @@ public:
 
 private:
     struct New {};
-    ValueFile(const std::string &file, New) : m_file(file) {}
-    std::string textForm();
+    ValueFile(const std::string &file, ValueForm form, New) : m_file(file), m_form(form) {}
+    void readText(const std::string &bytes);
+    void readBinary(const std::string &bytes);
+    std::string bytes(const std::string &to);
     std::vector<std::string> unreadableKeys();
 
     std::string m_file;
     KV_UValDict m_dict{0};
+    ValueForm m_form = ValueForm::Text;
     std::vector<std::string> m_unkept;
 };
 

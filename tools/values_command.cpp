@@ -20,6 +20,7 @@ struct Arguments {
     std::string path;
     std::string output;
     std::string type;
+    std::string form;
     std::vector<std::string> values;
     std::optional<std::int32_t> index;
     bool force = false;
@@ -169,10 +170,17 @@ void merge(const Arguments &args) {
 void copy(const Arguments &args) {
     ValueFile from(args.file);
     findOrFail(from, args);
-    ValueFile to = ValueFile::openOrNew(args.other);
+    ValueFile to = ValueFile::openOrNew(args.other, from.form());
     if (from.dict().CopyUValTo(pathOf(args), &to.dict()) == nullptr)
         throw BadInput(args.other, quoted(args.path) + " leads through an entry that is no dictionary");
     to.write(args.other, args.force);
+}
+
+void convert(const Arguments &args) {
+    ValueFile values(args.file);
+    for (const ValueForm form : {ValueForm::Text, ValueForm::Binary})
+        if (args.form == formName(form)) values.setForm(form);
+    values.write(args.other, args.force);
 }
 
 void check(const Arguments &args) {
@@ -221,7 +229,7 @@ std::string checkType(const std::string &name) {
 void addValuesCommands(CLI::App &app) {
     const auto args = std::make_shared<Arguments>();
     CLI::App *values =
-        app.add_subcommand("values", "Shows, queries, changes and checks value files in text form");
+        app.add_subcommand("values", "Shows, queries, changes and checks value files in text or binary form");
     values->require_subcommand(1);
 
     CLI::App &showCommand = addCommand(*values, "show", "Prints a file as a tree", show, args);
@@ -281,6 +289,15 @@ void addValuesCommands(CLI::App &app) {
     addPath(copyCommand, *args);
     copyCommand.add_option("OTHER", args->other)->required();
     addWriteOptions(copyCommand, *args, false);
+
+    CLI::App &convertCommand = addCommand(
+        *values, "convert", "Writes the values of FILE to OTHER, in text or in binary form", convert, args);
+    convertCommand.add_option("FILE", args->file)->required();
+    convertCommand.add_option("OTHER", args->other)->required();
+    convertCommand.add_option("--to", args->form, "the form of OTHER")
+        ->required()
+        ->check(CLI::IsMember({formName(ValueForm::Text), formName(ValueForm::Binary)}));
+    addWriteOptions(convertCommand, *args, false);
 
     CLI::App &checkCommand =
         addCommand(*values, "check", "Reads a file, and tells its size and what writing it again would lose",

@@ -171,6 +171,65 @@ TEST_F(KvTool, ChangesFilesAndRefusesWhatWouldBeLost) {
         EXPECT_EQ(entry.path().filename().string().find(".tmp-"), std::string::npos) << entry.path();
 }
 
+TEST_F(KvTool, TakesEitherFormByItsContent) {
+    const std::string goldens = KVBASE_TEST_DATA "/values/";
+    for (const char *name : {"all_types.bin", "long_42.bin", "swapped.bin"})
+        fs::copy_file(goldens + name, file(name));
+    const std::string binary = contents(file("long_42.bin")), all = contents(file("all_types.bin"));
+    write("behind.bin", binary + "more");
+    write("cut.bin", binary.substr(0, 40));
+    std::string version = binary;
+    version[20] = '3';
+    write("version.bin", version);
+    write("number.krg", "<< /a 42 >>");
+    write("null.krg", "<< /p 1 satptr /deep << /text (x) >> >>");
+    write("long.krg", "<< /deep << /text (" + std::string(40000, 'x') + ") >> >>");
+    const Row rows[] = {
+        {"values show long_42.bin", 0, "    |- a => (Long)42\n", ""},
+        {"values get all_types.bin doubles --index 1", 0, "-0.25\n", ""},
+        {"values get swapped.bin s", 0, "1\n2\n-2\n", ""},
+        {"values check all_types.bin", 0, "written and read back unchanged", ""},
+        {"values check swapped.bin", 0, "a rewrite drops another byte order", ""},
+        {"values check behind.bin", 0, "a rewrite drops 4 bytes behind the values", ""},
+        {"values convert number.krg made.bin --to binary", 0, "", ""},
+        {"values convert press.krg press.bin --to binary", 0, "", ""},
+        {"values get press.bin press:gamma", 0, "2.2\n", ""},
+        {"values convert press.bin press_again.krg --to text", 0, "", ""},
+        {"values convert press_again.krg press_again.bin --to binary", 0, "", ""},
+        {"values convert long_42.bin long_42.krg --to text", 0, "", ""},
+        {"values set long_42.bin b 1.23456789", 0, "", ""},
+        {"values get long_42.bin b", 0, "1.23456789\n", ""},
+        {"values copy long_42.bin b copied.bin", 0, "", ""},
+        {"values convert long_42.bin x.krg --to text", 1, "", "x.krg: is left as it was, for the text form"},
+        {"values convert all_types.bin x.krg --to text", 1, "", "dict:none: has no value"},
+        {"values convert all_types.bin x.krg --to text", 1, "", "shorts: has a number of items to print"},
+        {"values convert null.krg x.bin --to binary", 1, "",
+         "for the binary form can't hold:\n  p: pointers are not stored"},
+        {"values convert null.krg x.bin --to binary --force", 0, "", ""},
+        {"values convert long.krg y.bin --to binary", 1, "",
+         "y.bin: File exception: WriteError;   Detail: AppendBinToStream failed because deep:text has a text "
+         "of more"},
+        {"values convert number.krg z.bin --to xml", 2, "", "--to"},
+        {"values convert number.krg z.bin", 2, "", "--to"},
+        {"values set swapped.bin z 1", 1, "",
+         "swapped.bin: is left as it was, for it holds what would be lost"},
+        {"values set behind.bin z 1", 1, "", "4 bytes behind the values"},
+        {"values set behind.bin z 1 --force", 0, "", ""},
+        {"values show cut.bin", 1, "", "cut.bin: File exception: ReadError"},
+        {"values show version.bin", 1, "",
+         "version.bin: File exception: InvalidFile;   Detail: ReadBinFromStream failed"},
+    };
+    for (const Row &row : rows)
+        expectOutcome(row, run(row.arguments));
+    EXPECT_EQ(contents(file("made.bin")), binary);
+    EXPECT_EQ(contents(file("long_42.krg")), "<<\n/a 42\n>>\n");
+    EXPECT_EQ(contents(file("press_again.bin")), contents(file("press.bin")));
+    EXPECT_EQ(contents(file("copied.bin")).substr(0, 24), binary.substr(0, 24))
+        << "a new file takes the form";
+    EXPECT_EQ(contents(file("all_types.bin")), all);
+    EXPECT_FALSE(fs::exists(file("y.bin")) || fs::exists(file("x.krg")));
+}
+
 TEST_F(KvTool, NamesTheFileAndTheLineOfBadInput) {
     std::string opening;
     std::string closing;
