@@ -195,7 +195,7 @@ TEST(BinaryForm, ReplacesEntriesAndDictionariesAsAWhole) {
 }
 
 TEST(BinaryForm, KeysWithTheSeparatorArePaths) {
-    KV_UValDict source(16384), target(16384), inner(16384);
+    KV_UValDict source(16384), target(16384);
     KV_UValDict *below = source.DefineUValDict("m");
     for (KV_UValDict *dict : {&source, below}) {
         auto &map = *dict->GetValuePtr();
@@ -203,23 +203,19 @@ TEST(BinaryForm, KeysWithTheSeparatorArePaths) {
         map["a:b"] = new KV_UValDict(0);  // has no place: a is a number
         define(*static_cast<KV_UValDict *>(map["a:b"]), "lost", KV_UVAL_LONG, {1}, true);
         map["a:c"] = new KV_UValLong(0, nullptr);
-        map["d"] = new KV_UValDict(0);
-        define(*static_cast<KV_UValDict *>(map["d"]), "x", KV_UVAL_LONG, {2}, true);
+        define(*dict, "d:x", KV_UVAL_LONG, {2}, true);
         map["d:e:f"] = new KV_UValLong(0, nullptr);
         map["g:h"] = nullptr;
         map["i:"] = new KV_UValDict(0);
-        map["z\0k"s] = new KV_UValLong(0, nullptr);
+        map["z\0k"s] = new KV_UValLong(0, nullptr);  // no separator, so the zero byte ends nothing
     }
     readBinary(target, writtenBinary(source));
-    const std::string level =
-        "- a => (Long)1\n    |- d\n    |    |- e\n    |    |    |- f => (Long)0\n"
-        "    |    |- x => (Long)2\n    |- g\n    |    |- h<NULL>\n    |- i\n    |- ";
-    const std::string last = "z\0k => (Long)0\n"s;
-    std::string indented = "    |    |" + level + last;
-    for (std::size_t at = 0; (at = indented.find("\n    |", at)) != indented.npos; at += 11)
-        indented.insert(at + 1, "    |");
-    EXPECT_EQ(printed(target), "    |" + level + "m\n" + indented + "    |- " + last);
-    EXPECT_EQ(target.GetValuePtr()->count("z\0k"s), 1U) << "a zero byte ends no key without a separator";
+    const std::string expected =
+        "    |- a => (Long)1\n    |- d\n    |    |- e\n    |    |    |- f => (Long)0\n"
+        "    |    |- x => (Long)2\n    |- g\n    |    |- h<NULL>\n    |- i\n    |- z\0k => (Long)0\n"s;
+    EXPECT_EQ(printed(*target.DefineUValDict("m")), expected);
+    target.RemoveUVal("m");
+    EXPECT_EQ(printed(target), expected);
 }
 
 TEST(BinaryForm, TextsKeepTheirBytesAndUtfTextsAreSanitised) {
@@ -242,70 +238,63 @@ TEST(BinaryForm, TextsKeepTheirBytesAndUtfTextsAreSanitised) {
     EXPECT_STREQ(back.GetValue("u", "", 0), "#");
 }
 
+void fillLevel(KV_UValDict &dict, std::size_t entries) {
+    for (std::size_t i = 0; i < entries; ++i)
+        dict.SetUVal(std::to_string(i).c_str(), nullptr);
+}
+
+// Each fills a dictionary to its limit, and beyond it by what is asked for.
 TEST(BinaryForm, RefusesWhatItCannotHoldBeforeTheFirstByte) {
-    const std::string longest(32766, 'k');
-    const auto fillLevel = [](KV_UValDict &dict, int count) {
-        for (int i = 0; i < count; ++i)
-            dict.SetUVal(std::to_string(i).c_str(), nullptr);
+    const auto text = [](std::size_t beyond) {
+        return KV_String('k', static_cast<std::uint32_t>(32766 + beyond));
     };
     struct {
-        const char *name;
-        std::function<void(KV_UValDict &)> fill, makeFit;
+        std::function<void(KV_UValDict &, std::size_t)> fill;
         std::string failure;
     } const cases[] = {
-        {"entries", [&](KV_UValDict &d) { fillLevel(d, 65536); }, [](KV_UValDict &d) { d.RemoveUVal("0"); },
+        {[](KV_UValDict &d, std::size_t beyond) { fillLevel(d, 65535 + beyond); },
          "the dictionary has more than 65535 entries"},
-        {"entries of an inner level", [&](KV_UValDict &d) { fillLevel(*d.DefineUValDict("a:b"), 65536); },
-         [](KV_UValDict &d) { d.RemoveUVal("a:b:0"); }, "a:b has more than 65535 entries"},
-        {"text",
-         [&](KV_UValDict &d) {
-             d.DefineUVal("a:b", KV_UVAL_STRING, 2, nullptr)->SetStrValue((longest + "x").c_str(), 1);
+        {[](KV_UValDict &d, std::size_t beyond) { fillLevel(*d.DefineUValDict("a:b"), 65535 + beyond); },
+         "a:b has more than 65535 entries"},
+        {[&](KV_UValDict &d, std::size_t beyond) {
+             d.DefineUVal("a:b", KV_UVAL_STRING, 2, nullptr)->SetStrValue(text(beyond), 1);
          },
-         [&](KV_UValDict &d) { d.SetValue("a:b", longest.c_str(), 1); },
          "a:b has a text of more than 32766 bytes"},
-        {"UTF text",
-         [&](KV_UValDict &d) {
-             d.DefineUVal("u", KV_UVAL_UTFSTRING, 0, nullptr)->SetStrValue((longest + "x").c_str(), 0);
+        {[&](KV_UValDict &d, std::size_t beyond) {
+             d.DefineUVal("u", KV_UVAL_UTFSTRING, 0, nullptr)->SetStrValue(text(beyond), 0);
          },
-         [&](KV_UValDict &d) { d.SetValue("u", longest.c_str(), 0); },
          "u has a text of more than 32766 bytes"},
-        {"key", [&](KV_UValDict &d) { (*d.DefineUValDict("a")->GetValuePtr())[longest + "x"] = nullptr; },
-         [&](KV_UValDict &d) {
-             d.SetUVal(("a:" + longest).c_str(), nullptr);
-             d.RemoveUVal(("a:" + longest + "x").c_str());
-         },
-         "the key of a:" + std::string(98, 'k') + "..." + std::string(99, 'k') +
-             "x is longer than 32766 bytes"},
-        {"pointers",
-         [&](KV_UValDict &d) {
+        {[&](KV_UValDict &d, std::size_t beyond) { d.DefineUValDict("a")->SetUVal(text(beyond), nullptr); },
+         "the key of a:" + std::string(98, 'k') + "..." + std::string(100, 'k') +
+             " is longer than 32766 bytes"},
+        {[](KV_UValDict &d, std::size_t beyond) {
              d.DefineUVal("p", KV_UVAL_PTR, 1 << 19, nullptr);
-             d.DefineUVal("q", KV_UVAL_PTR, (1 << 19) + 1, nullptr);
+             d.DefineUVal("q", KV_UVAL_PTR, (1 << 19) + static_cast<std::int32_t>(beyond), nullptr);
          },
-         [&](KV_UValDict &d) { d.DefineUVal("q", KV_UVAL_PTR, 1 << 19, nullptr); },
          "q is beyond the 1048576 elements of pointers"},
     };
+    const TempFolder folder;
+    KV_FileSpec file = KV_FileSpecFromNative((folder / "f").string().c_str());
     for (const auto &c : cases) {
-        KV_UValDict dict(16384), back(16384);
-        c.fill(dict);
+        KV_UValDict fits(16384), beyond(16384), back(16384);
+        c.fill(fits, 0);
+        const std::string bytes = writtenBinary(fits);
+        readBinary(back, bytes);
+        EXPECT_TRUE(writtenBinary(back) == bytes) << c.failure;
+
+        c.fill(beyond, 1);
+        KV_SStream stream;
+        KV_UValDict(16384).WriteBinFile(file);
+        KV_BinPackUValDict packer;
+        packer.Specify(&beyond);
         const std::string expected =
             "File exception: WriteError;   Detail: AppendBinToStream failed because " + c.failure;
-        KV_SStream stream;
-        stream.Open("w", false);
-        EXPECT_EQ(failure([&] { dict.AppendBinToStream(&stream); }), expected) << c.name;
-        EXPECT_EQ(stream.Length(), 0U) << c.name;
-        EXPECT_EQ(failure([&] { dict.ByteSize(); }), expected) << c.name;
-        const TempFolder folder;
-        KV_FileSpec file = KV_FileSpecFromNative((folder / "f").string().c_str());
-        KV_UValDict(16384).WriteBinFile(file);
-        EXPECT_EQ(failure([&] { dict.WriteBinFile(file); }), expected) << c.name;
-        EXPECT_EQ(fileBytes((folder / "f").string()), golden("empty.bin")) << c.name;
-        KV_BinPackUValDict packer;
-        packer.Specify(&dict);
-        EXPECT_EQ(failure([&] { putInBlocks(packer, 512); }), "Binary Packing Error") << c.name;
-        c.makeFit(dict);
-        const std::string bytes = writtenBinary(dict);
-        readBinary(back, bytes);
-        EXPECT_TRUE(writtenBinary(back) == bytes) << c.name;
+        EXPECT_EQ(failure([&] { beyond.AppendBinToStream(&stream); }), expected);
+        EXPECT_EQ(stream.Length(), 0U) << c.failure;
+        EXPECT_EQ(failure([&] { beyond.WriteBinFile(file); }), expected);
+        EXPECT_EQ(fileBytes((folder / "f").string()), golden("empty.bin")) << "the file is as it was";
+        EXPECT_EQ(failure([&] { beyond.ByteSize(); }), expected);
+        EXPECT_EQ(failure([&] { putInBlocks(packer, 512); }), "Binary Packing Error") << c.failure;
     }
 }
 

@@ -13,6 +13,8 @@
 #include <sstream>
 #include <string>
 
+#include "text_streams.h"
+
 // Streams that give and take their bytes in pieces, and values as bytes.
 
 // Reads at most a piece at a time; takes bytes up to a limit, and of the Write that goes beyond it none.
@@ -67,18 +69,6 @@ inline std::string printed(KV_UVal &value) {
     std::ostringstream out;
     value.PrintOn(out);
     return out.str();
-}
-
-// What the exception of an action says, "none" without one.
-template <class Action>
-std::string failure(const Action &action) {
-    try {
-        action();
-    } catch (const KV_Exception &e) {
-        KV_String text;
-        return e.ToString(text).Ptr();
-    }
-    return "none";
 }
 
 // All bytes of a layer, put into one block of that size after the other, each in memory of its own.

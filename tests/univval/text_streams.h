@@ -44,7 +44,7 @@ template <class Action>
 std::string failure(const Action &action) {
     try {
         action();
-    } catch (const KV_FileException &e) {
+    } catch (const KV_Exception &e) {
         KV_String text;
         return e.ToString(text).Ptr();
     }
