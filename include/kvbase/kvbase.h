@@ -17,6 +17,7 @@
 #include "kvbase/text/unicode_utils.h"
 
 #include "kvbase/runtime/kv_attribute.h"
+#include "kvbase/runtime/kv_checksum.h"
 #include "kvbase/runtime/kv_exception.h"
 #include "kvbase/runtime/kv_file_spec.h"
 #include "kvbase/runtime/kv_lock.h"
