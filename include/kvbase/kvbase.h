@@ -24,6 +24,7 @@
 #include "kvbase/runtime/kv_number_text.h"
 #include "kvbase/runtime/kv_platform_facts.h"
 #include "kvbase/runtime/kv_tracer.h"
+#include "kvbase/runtime/kv_url.h"
 
 #include "kvbase/stream/kv_cipher.h"
 #include "kvbase/stream/kv_fstream.h"
