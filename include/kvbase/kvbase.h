@@ -25,6 +25,7 @@
 #include "kvbase/runtime/kv_platform_facts.h"
 #include "kvbase/runtime/kv_tracer.h"
 #include "kvbase/runtime/kv_url.h"
+#include "kvbase/runtime/sharelib.h"
 
 #include "kvbase/stream/kv_cipher.h"
 #include "kvbase/stream/kv_fstream.h"
