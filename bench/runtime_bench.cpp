@@ -1,11 +1,14 @@
-// The cost of a trace line that is off, and of a lock that nobody else wants. A second thread is alive
-// throughout: without one, the C library takes short cuts that no real program gets.
+// The cost of a trace line that is off and of one that goes to a file, and of a lock that nobody else wants.
+// A second thread is alive throughout: without one, the C library takes short cuts that no real program gets.
 
 #include <benchmark/benchmark.h>
 #include <kvbase/runtime/kv_lock.h>
 #include <kvbase/runtime/kv_tracer.h>
+#include <kvbase/text/kv_string.h>
 
 #include <condition_variable>
+#include <cstdlib>
+#include <filesystem>
 #include <mutex>
 #include <ostream>
 #include <thread>
@@ -54,6 +57,27 @@ void BM_TraceLineOff(benchmark::State &state) {
     }
 }
 BENCHMARK(BM_TraceLineOff)->ArgName("errorsOn")->Arg(0)->Arg(1);
+
+#if !defined(_WIN32)
+// In a folder of its own, which only an environment variable can set. Each line is flushed.
+void BM_TraceLineToFile(benchmark::State &state) {
+    const SecondThread second;
+    const std::filesystem::path folder = std::filesystem::temp_directory_path() / "kvbase_trace_bench";
+    setenv("APPDATA", folder.c_str(), 1);
+    if (!KV_Tracer::StartTracing(true, KV_String("trace.txt"))) state.SkipWithError("no trace file");
+    KV_Tracer::SetTracing("KvBench", 0x010);
+    static KV_Tracer *const tracer = KV_Tracer::FindOrCreate("KvBench");
+    int value = 0;
+    for ([[maybe_unused]] auto _ : state) {
+        const KV_Synch lock(KV_Tracer::GetMutex());
+        *tracer->Stream() << "module " << tracer->Name() << " : value " << ++value << std::endl;
+    }
+    KV_Tracer::SetTracing("KvBench", 0);
+    KV_Tracer::StopTracing();
+    std::filesystem::remove_all(folder);
+}
+BENCHMARK(BM_TraceLineToFile);
+#endif
 
 void BM_EmptyLoop(benchmark::State &state) {
     int value = 0;

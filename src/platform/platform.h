@@ -8,6 +8,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
+#include <ctime>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -204,6 +205,9 @@ struct OsVersion {
     std::uint32_t build = 0;
     std::uint32_t platformId = 0;
 };
+
+/// A moment in the process's time zone.
+std::tm localTime(std::time_t time);
 
 /// Whether the running system is at least the one given. Other systems than the home platform count as its
 /// newest.

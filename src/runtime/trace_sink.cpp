@@ -76,6 +76,10 @@ bool traceFileIsSet() {
     return writeFile != nullptr;
 }
 
-void setTracingStarted() { started = true; }
+void setTracingStarted() {
+    const KV_Synch lock(KV_Tracer::GetMutex());
+    dout.flush();
+    started = true;
+}
 
 }  // namespace kv::detail

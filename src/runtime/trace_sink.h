@@ -19,7 +19,7 @@ void setTraceFile(TraceFileWriter write, void *user);
 /// Whether a trace file is set.
 bool traceFileIsSet();
 
-/// Opens the sink, for the rest of the process.
+/// Opens the sink, for the rest of the process. Text that stood in the stream before is dropped.
 void setTracingStarted();
 
 /// Takes the stream away from every tracer of the table that writes to it, once no line is being written.

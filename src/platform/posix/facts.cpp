@@ -5,6 +5,12 @@
 
 namespace kv::platform {
 
+std::tm localTime(std::time_t time) {
+    std::tm moment = {};
+    localtime_r(&time, &moment);
+    return moment;
+}
+
 bool osVersionAtLeast(const OsVersion & /*wanted*/) { return true; }
 
 bool libraryVersion(std::uint16_t (&parts)[4]) {

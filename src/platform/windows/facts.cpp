@@ -5,6 +5,12 @@
 
 namespace kv::platform {
 
+std::tm localTime(std::time_t time) {
+    std::tm moment = {};
+    localtime_s(&moment, &time);
+    return moment;
+}
+
 bool osVersionAtLeast(const OsVersion &wanted) {
     OSVERSIONINFOEXW version = {};
     version.dwOSVersionInfoSize = sizeof version;
