@@ -17,5 +17,7 @@ public:
 /// The commands of kvtool, one function a family; each hangs its sub-commands into app.
 void addValuesCommands(CLI::App &app);
 void addCipherCommands(CLI::App &app);
+void addChecksumCommand(CLI::App &app);
+void addUrlCommand(CLI::App &app);
 
 }  // namespace kvtool

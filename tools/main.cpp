@@ -24,6 +24,8 @@ int run(int argc, char **argv) {
     app.footer("Exit codes: 0 done, 1 bad input, 2 bad usage. 'kvtool COMMAND --help' tells more.");
     kvtool::addValuesCommands(app);
     kvtool::addCipherCommands(app);
+    kvtool::addChecksumCommand(app);
+    kvtool::addUrlCommand(app);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError &error) {
