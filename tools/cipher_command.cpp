@@ -16,10 +16,14 @@ struct Arguments {
     bool force = false;
 };
 
-constexpr std::size_t kBlock = 8;
+constexpr std::uint32_t kBlock = 8;
+// The length of whole blocks that hold the bytes still has 32 bits.
+constexpr std::uint32_t kLargest = std::numeric_limits<std::uint32_t>::max() / kBlock * kBlock;
 
 std::uint32_t lengthOf(const std::string &bytes, const std::string &file) {
-    if (bytes.size() >= std::numeric_limits<std::uint32_t>::max()) throw BadInput(file, "is 4 GiB or larger");
+    if (bytes.size() > kLargest)
+        throw BadInput(file,
+                       "is larger than the " + std::to_string(kLargest) + " bytes that can be enciphered");
     return static_cast<std::uint32_t>(bytes.size());
 }
 
@@ -27,9 +31,11 @@ std::string enciphered(const std::string &bytes, const std::string &file) {
     const std::uint32_t length = lengthOf(bytes, file);
     KV_SStream stream;
     stream.Open("wb", false);
-    if (length != 0) stream.WriteEncrypted(bytes.data(), length);
-    const std::uint32_t size = stream.Length();
-    return size == 0 ? std::string() : std::string(stream.GetMemPtr(), size);
+    if (length == 0) return {};
+    const std::uint32_t size = (length - 1) / kBlock * kBlock + kBlock;
+    if (stream.WriteEncrypted(bytes.data(), length) != size || stream.Length() != size)
+        throw BadInput(file, "can't be enciphered: there is not enough memory");
+    return {stream.GetMemPtr(), size};
 }
 
 // The enciphered form stores no length: blanks at the end are taken for the padding of the last block.
@@ -41,6 +47,7 @@ std::string deciphered(const std::string &bytes, const std::string &file) {
     KV_SStream stream(bytes.data(), length);
     std::vector<char> text(std::size_t{length} + 1);
     std::size_t size = stream.ReadEncrypted(text.data(), length);
+    if (size != length) throw BadInput(file, "can't be deciphered: there is not enough memory");
     while (size > 0 && text[size - 1] == ' ')
         --size;
     // The stream ends the text with a zero in the place of the first blank; a zero of the text's own looks
