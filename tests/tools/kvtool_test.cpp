@@ -7,6 +7,8 @@
 #include <sstream>
 #include <string>
 
+#include "temp_folder.h"
+
 namespace fs = std::filesystem;
 
 namespace {
@@ -24,45 +26,57 @@ std::string contents(const fs::path &file) {
     return text.str();
 }
 
+// Printed text, with the line ends that C++ has.
+std::string printed(const fs::path &file) {
+    std::string text = contents(file);
+    for (std::size_t at = 0; (at = text.find("\r\n", at)) != std::string::npos;)
+        text.erase(at, 1);
+    return text;
+}
+
 class KvTool : public testing::Test {
 protected:
     void SetUp() override {
-        m_folder =
-            fs::temp_directory_path() /
-            (std::string("kvtool_test_") + testing::UnitTest::GetInstance()->current_test_info()->name());
-        fs::remove_all(m_folder);
-        fs::create_directories(m_folder);
-        fs::copy_file(fs::path(KVBASE_SAMPLES) / "press.krg", m_folder / "press.krg");
+        fs::copy_file(fs::path(KVBASE_SAMPLES) / "press.krg", file("press.krg"));
+        fs::current_path(m_folder / "");
     }
-    void TearDown() override { fs::remove_all(m_folder); }
+    void TearDown() override { fs::current_path(m_before); }
 
-    fs::path file(const char *name) const { return m_folder / name; }
+    fs::path file(const std::string &name) const { return m_folder / name; }
     void write(const char *name, const std::string &text) const {
         std::ofstream(file(name), std::ios::binary) << text;
     }
 
-    // Runs in the test's folder; `before` goes in front of the command in the shell.
-    Outcome run(const std::string &arguments, const std::string &before = "") const {
-        const std::string command = "cd " + m_folder.string() + " && " + before + " " + KVTOOL + " " +
-                                    arguments + " >out.txt 2>err.txt";
+    // Runs in the test's folder, behind another command of the shell: cmd.exe takes the quotes off a line
+    // that begins with one.
+    Outcome run(const std::string &arguments, const std::string &before = "cd .") const {
+        const std::string program = fs::path(KVTOOL).make_preferred().string();
+        const std::string command = before + " && \"" + program + "\" " + arguments + " >out.txt 2>err.txt";
         const int status = std::system(command.c_str());
-        return {status < 256 ? status : status / 256, contents(file("out.txt")), contents(file("err.txt"))};
+        return {status < 256 ? status : status / 256, printed(file("out.txt")), printed(file("err.txt"))};
     }
 
-    fs::path m_folder;
+    void expectNoTemporaryFile() const {
+        for (const auto &entry : fs::recursive_directory_iterator(m_folder / ""))
+            EXPECT_EQ(entry.path().filename().string().find(".tmp-"), std::string::npos) << entry.path();
+    }
+
+private:
+    fs::path m_before = fs::current_path();
+    TempFolder m_folder;
 };
 
 struct Row {
     const char *arguments;
     int exitCode;
-    const char *out;  // the whole of it when it ends in a line end, else a part
+    const char *out;  // the whole of it when it is empty or ends in a line end, else a part
     const char *err;  // a part
 };
 
 void expectOutcome(const Row &row, const Outcome &outcome) {
     const std::string out = row.out;
     EXPECT_EQ(outcome.exitCode, row.exitCode) << row.arguments << '\n' << outcome.err;
-    if (!out.empty() && out.back() == '\n')
+    if (out.empty() || out.back() == '\n')
         EXPECT_EQ(outcome.out, out) << row.arguments;
     else
         EXPECT_NE(outcome.out.find(out), std::string::npos) << row.arguments << '\n' << outcome.out;
@@ -150,14 +164,14 @@ TEST_F(KvTool, ChangesFilesAndRefusesWhatWouldBeLost) {
         {"values check pointer.krg", 0, "2 entries", ""},
         {"values set small.krg text [x,y]", 0, "", ""},
         {"values get small.krg text", 0, "[x,y]\n", ""},
-        {"values set p.krg '\\050' 1 --force", 1, "", "p.krg: "},
+        {"values set p.krg \"\\050\" 1 --force", 1, "", "p.krg: "},
         {"values set lossy.krg z 1", 1, "",
          "\n  the number 3000000000, which is out of its type's range\n  an array of elements of several "
          "kinds\n"
          "  the number 70000, which is out of its type's range\n"
          "  the word '12abc', of which only the beginning counts as a number\n  a text in the place of a "
          "number\n"},
-        {"values set small.krg '' 1", 1, "", "an empty path"},
+        {"values set small.krg \"\" 1", 1, "", "an empty path"},
         {"values set p.krg p 1", 1, "", "a ptr can't be set"},
         {"values set small.krg a 1 -o nowhere/x.krg", 1, "", "its folder doesn't exist"},
         {"values set small.krg a 1 -o /dev/null", 1, "", "no regular file"},
@@ -167,8 +181,7 @@ TEST_F(KvTool, ChangesFilesAndRefusesWhatWouldBeLost) {
     for (const Row &row : rows)
         expectOutcome(row, run(row.arguments));
     EXPECT_EQ(contents(file("press.krg")), contents(fs::path(KVBASE_SAMPLES) / "press.krg"));
-    for (const auto &entry : fs::directory_iterator(m_folder))
-        EXPECT_EQ(entry.path().filename().string().find(".tmp-"), std::string::npos) << entry.path();
+    expectNoTemporaryFile();
 }
 
 TEST_F(KvTool, TakesEitherFormByItsContent) {
@@ -264,12 +277,11 @@ TEST_F(KvTool, KeepsTheOldFileWhenTheDiskIsFull) {
         text += "/key" + std::to_string(i) + " " + std::to_string(i) + "\n";
     text += ">>\n";
     write("large.krg", text);
-    const Outcome outcome = run("values set large.krg key1 2", "trap '' XFSZ && ulimit -f 8 &&");
+    const Outcome outcome = run("values set large.krg key1 2", "trap '' XFSZ && ulimit -f 8");
     EXPECT_EQ(outcome.exitCode, 1);
     EXPECT_NE(outcome.err.find("large.krg: can't be written"), std::string::npos) << outcome.err;
     EXPECT_EQ(contents(file("large.krg")), text);
-    for (const auto &entry : fs::directory_iterator(m_folder))
-        EXPECT_EQ(entry.path().filename().string().find(".tmp-"), std::string::npos) << entry.path();
+    expectNoTemporaryFile();
 }
 
 TEST_F(KvTool, WritesThroughALinkAndKeepsThePermissions) {
