@@ -5,6 +5,7 @@
 #include <new>
 
 #include "command.h"
+#include "utf8_text.h"
 
 // Exit codes: 0 done, 1 bad input (the message names the file), 2 bad usage.
 namespace {
@@ -13,7 +14,7 @@ constexpr int kBadInput = 1;
 constexpr int kBadUsage = 2;
 
 int fail(const std::string &text) {
-    std::cerr << "kvtool: " << text << '\n';
+    std::cerr << "kvtool: " << kvtool::visible(text) << '\n';
     return kBadInput;
 }
 

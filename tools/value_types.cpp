@@ -6,6 +6,7 @@
 #include <limits>
 
 #include "command.h"
+#include "utf8_text.h"
 
 namespace kvtool {
 namespace {
@@ -110,7 +111,10 @@ void setElement(KV_UVal &value, const std::string &text, std::int32_t index) {
         value.SetDoubleValue(numberOf<double>(text, type), index);
         break;
     case KV_UVAL_UTFSTRING:
-        if (isutfstr(text.c_str()) == 0) throw BadInput("'" + text + "' is not valid UTF-8");
+        if (!isUtf8(text)) throw BadInput("'" + text + "' is not valid UTF-8");
+        if (isutfstr(text.c_str()) == 0)
+            throw BadInput("'" + text +
+                           "' has a character that a utfstring can't hold: U+0080, or one beyond U+FFFF");
         value.SetStrValue(KV_String(text.c_str()), index);
         break;
     case KV_UVAL_STRING:

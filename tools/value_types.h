@@ -20,8 +20,9 @@ std::string typeNames();
 /// above 127).
 KV_UValType typeOfText(const std::string &text);
 
-/// Puts the text into element index of value, whose type is one of typeNames(). Throws BadInput when the text
-/// isn't wholly a number of that type, or out of its range.
+/// Puts the text into element index of value. Throws BadInput when the text isn't wholly a number of the
+/// value's type, is out of its range, or for a utfstring is no UTF-8 or has a character that it can't hold;
+/// also for a value of a type that isn't one of typeNames(): a ptr or a dictionary.
 void setElement(KV_UVal &value, const std::string &text, std::int32_t index);
 
 /// Element index of value as text, converted to type by the library's rules: a number in its shortest exact

@@ -7,6 +7,7 @@
 #include <sstream>
 
 #include "command.h"
+#include "utf8_text.h"
 #include "value_compare.h"
 #include "value_file.h"
 #include "value_types.h"
@@ -55,24 +56,13 @@ void save(ValueFile &values, const Arguments &args) {
     values.write(args.output.empty() ? values.file() : args.output, args.force);
 }
 
-// Control characters of a value are shown as octal escapes: a file must not steer the terminal.
-void printVisibly(const std::string &text) {
-    for (const char c : text) {
-        const auto byte = static_cast<unsigned char>(c);
-        if ((byte < 32 && c != '\n' && c != '\t') || byte == 127)
-            std::cout << '\\' << byte / 64 << byte / 8 % 8 << byte % 8;
-        else
-            std::cout << c;
-    }
-}
-
 void print(KV_UValDict &dict, const std::string &file) {
     if (sizeOf(dict).depth > kDeepestTree)
         throw BadInput(
             file, "is nested deeper than the " + std::to_string(kDeepestTree) + " levels that are printed");
     std::ostringstream text;
     dict.PrintOn(text);
-    printVisibly(text.str());
+    std::cout << visible(text.str());
 }
 
 void show(const Arguments &args) {
@@ -194,7 +184,7 @@ void check(const Arguments &args) {
                                       " levels that are written");
     const std::vector<std::string> lost = values.unwritable();
     for (const std::string &line : lost)
-        std::cout << "  " << line << '\n';
+        std::cout << "  " << visible(line) << '\n';
     std::cout << (lost.empty() ? "  its values are written and read back unchanged\n" : "");
     if (!lost.empty()) throw BadInput(args.file, "its values are not all read back as they are");
 }

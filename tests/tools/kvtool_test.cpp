@@ -243,6 +243,19 @@ TEST_F(KvTool, TakesEitherFormByItsContent) {
     EXPECT_FALSE(fs::exists(file("y.bin")) || fs::exists(file("x.krg")));
 }
 
+TEST_F(KvTool, DoesNotLetAFileSteerTheTerminal) {
+    // An escape sequence; a control character in UTF-8 and one of its bytes alone; characters of 4 and 2
+    // bytes.
+    write("steer.krg", "<< (\x1B[2J) 1 (\x1B[2J) (\xC2\x9B\x9B\xF0\x9F\x98\x80\xC3\xBC) >>");
+    const Row rows[] = {
+        {"values show steer.krg", 0, "    |- \\033[2J => (String)\\302\\233\\233\xF0\x9F\x98\x80\xC3\xBC\n",
+         ""},
+        {"values set steer.krg a 1", 1, "", "the key '\\033[2J' twice"},
+    };
+    for (const Row &row : rows)
+        expectOutcome(row, run(row.arguments));
+}
+
 TEST_F(KvTool, NamesTheFileAndTheLineOfBadInput) {
     std::string opening;
     std::string closing;
@@ -292,6 +305,19 @@ TEST_F(KvTool, WritesThroughALinkAndKeepsThePermissions) {
     EXPECT_TRUE(fs::is_symlink(file("link.krg")));
     EXPECT_NE(contents(file("real.krg")).find("/a 2"), std::string::npos);
     EXPECT_EQ(fs::status(file("real.krg")).permissions(), fs::perms::owner_read | fs::perms::owner_write);
+}
+
+TEST_F(KvTool, TakesUtf8FromTheCommandLine) {
+    write("u.krg", "<< /u () satutfstring >>");
+    const Row rows[] = {
+        {"values set u.krg u M\xC3\xBCnchen", 0, "", ""},
+        {"values get u.krg u", 0, "M\xC3\xBCnchen\n", ""},
+        {"values set u.krg u \xF0\x9F\x98\x80", 1, "", "has a character that a utfstring can't hold"},
+        {"values set u.krg u \x9F", 1, "", "'\\237' is not valid UTF-8"},
+        {"values set u.krg u \xED\xA0\x80", 1, "", "is not valid UTF-8"},
+    };
+    for (const Row &row : rows)
+        expectOutcome(row, run(row.arguments));
 }
 #endif
 
