@@ -40,9 +40,15 @@ private:
     fs::path m_path;
 };
 
+// The library's form of a path. Where it isn't the same file, there is none: on POSIX a backslash is a
+// separator to the library, and bytes that are no UTF-8 are replaced.
 KV_FileSpec specOf(const fs::path &path) {
     const auto text = path.u8string();
-    return KV_FileSpecFromNative(KV_String(reinterpret_cast<const char *>(text.c_str())));
+    const KV_String native(reinterpret_cast<const char *>(text.c_str()));
+    KV_FileSpec spec = KV_FileSpecFromNative(native);
+    if (KV_NativePath(spec) != native)
+        throw BadInput(native.Ptr(), "can't be reached: a backslash in its path, or bytes that are no UTF-8");
+    return spec;
 }
 
 bool writeBytes(const fs::path &path, const std::string &bytes) {
@@ -52,19 +58,13 @@ bool writeBytes(const fs::path &path, const std::string &bytes) {
     return stream.Close() && written;
 }
 
-// The library takes a backslash for a separator, so a file with one in its name would turn into another file.
-void refuseBackslash(const std::string &file) {
-    if (fs::path::preferred_separator == '/' && file.find('\\') != std::string::npos)
-        throw BadInput(file, "has a backslash in its name, which the library takes for a separator");
-}
-
 // The file that is meant, behind a link, if it can be replaced.
 fs::path targetOf(const std::string &file) {
-    refuseBackslash(file);
     std::error_code error;
     const fs::file_status status = fs::status(file, error);
+    const bool isLink = fs::is_symlink(fs::symlink_status(file, error));
     if (!fs::exists(status)) {
-        if (fs::is_symlink(fs::symlink_status(file, error))) throw BadInput(file, "is a link to nothing");
+        if (isLink) throw BadInput(file, "is a link to nothing");
         const fs::path folder = fs::absolute(file).parent_path();
         if (!fs::is_directory(folder, error))
             throw BadInput(file, "can't be written: its folder doesn't exist");
@@ -73,20 +73,20 @@ fs::path targetOf(const std::string &file) {
     if (!fs::is_regular_file(status)) throw BadInput(file, "can't be replaced: it is no regular file");
     if ((status.permissions() & fs::perms::owner_write) == fs::perms::none)
         throw BadInput(file, "is read-only");
-    return fs::canonical(file);
+    return isLink ? fs::canonical(file) : fs::path(file);
 }
 
 }  // namespace
 
 std::string readBytes(const std::string &file) {
-    refuseBackslash(file);
+    const KV_FileSpec spec = specOf(file);
     std::error_code error;
     const fs::file_status status = fs::status(file, error);
     if (status.type() == fs::file_type::not_found) throw BadInput(file, "doesn't exist");
     if (fs::is_directory(status)) throw BadInput(file, "is a folder");
     if (status.type() == fs::file_type::none) throw BadInput(file, "can't be opened: " + error.message());
     if (!fs::is_regular_file(status) && !fs::is_fifo(status)) throw BadInput(file, "is no file that ends");
-    KV_FStream stream(KV_FileSpecFromNative(KV_String(file.c_str())));
+    KV_FStream stream(spec);
     if (!stream.Open("rb", false)) throw BadInput(file, "can't be opened");
     std::string bytes;
     constexpr std::size_t kPiece = std::size_t{1} << 16;
@@ -104,6 +104,7 @@ std::string readBytes(const std::string &file) {
 void replaceFile(const std::string &file, const std::string &bytes) {
     try {
         const fs::path target = targetOf(file);
+        specOf(target);  // else not even the temporary file may be made
         TemporaryFile temporary(target);
         // Nobody else may look into it before it has the target's permissions.
         constexpr fs::perms kOwnerOnly = fs::perms::owner_read | fs::perms::owner_write;
@@ -112,8 +113,7 @@ void replaceFile(const std::string &file, const std::string &bytes) {
             throw BadInput(file, "can't be written: its folder takes no files");
         const fs::perms usual = fs::status(temporary.path()).permissions();
         fs::permissions(temporary.path(), kOwnerOnly);
-        if (!writeBytes(temporary.path(), bytes))
-            throw BadInput(file, "can't be written: there is no space left");
+        if (!writeBytes(temporary.path(), bytes)) throw BadInput(file, "can't be written whole");
         if (readBytes(temporary.path().string()) != bytes)
             throw BadInput(file, "can't be written: what was written is not read back");
         fs::permissions(temporary.path(), isNew ? usual : fs::status(target).permissions());

@@ -4,13 +4,20 @@
 
 namespace kvtool {
 
+// A path that the library's form of paths can't tell from another one is refused: on POSIX one with a
+// backslash, or with bytes that are no UTF-8.
+
 /// All bytes of a file. Throws BadInput when it can't be read.
 std::string readBytes(const std::string &file);
 
 /// Makes file hold bytes, wholly or not at all: they go to a temporary file beside it, are read back and
 /// compared, and only then renamed over it. A link is followed, and the file keeps its permissions, but not
-/// its owner. Throws BadInput on any failure, and for what is no regular file or is read-only; the file is
-/// then as it was and the temporary file is gone.
+/// its owner; further names of the same file (hard links) keep the former content. Throws BadInput on any
+/// failure, and for what is no regular file or is read-only; the file is then as it was and the temporary
+/// file is gone.
+///
+/// Nobody waits until the system has put the bytes onto the disk: when the power fails in the seconds after,
+/// the file can be found empty or cut.
 void replaceFile(const std::string &file, const std::string &bytes);
 
 }  // namespace kvtool

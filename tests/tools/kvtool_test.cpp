@@ -174,7 +174,6 @@ TEST_F(KvTool, ChangesFilesAndRefusesWhatWouldBeLost) {
         {"values set small.krg \"\" 1", 1, "", "an empty path"},
         {"values set p.krg p 1", 1, "", "a ptr can't be set"},
         {"values set small.krg a 1 -o nowhere/x.krg", 1, "", "its folder doesn't exist"},
-        {"values set small.krg a 1 -o /dev/null", 1, "", "no regular file"},
         {"values set small.krg", 2, "", "PATH"},
         {"values set small.krg a 1 --index 0 --type long", 2, "", "--index"},
     };
@@ -305,6 +304,27 @@ TEST_F(KvTool, WritesThroughALinkAndKeepsThePermissions) {
     EXPECT_TRUE(fs::is_symlink(file("link.krg")));
     EXPECT_NE(contents(file("real.krg")).find("/a 2"), std::string::npos);
     EXPECT_EQ(fs::status(file("real.krg")).permissions(), fs::perms::owner_read | fs::perms::owner_write);
+}
+
+// The temporary file of such a target would stand in the folder "we", or under a third name.
+TEST_F(KvTool, RefusesPathsThatTheLibraryWouldChange) {
+    write("small.krg", "<< /a 1 >>");
+    write("we\\ird.krg", "<< /a 1 >>");
+    fs::create_directory(file("we"));
+    fs::create_directory(file("x\\y"));
+    fs::create_symlink("we\\ird.krg", file("link.krg"));
+    const Row rows[] = {
+        {"values show 'we\\ird.krg'", 1, "", "we\\ird.krg: can't be reached"},
+        {"values set link.krg a 2", 1, "", "we\\ird.krg: can't be reached"},
+        {"values set small.krg a 2 -o \xFF.krg", 1, "", "\\377.krg: can't be reached"},
+        {"values set small.krg a 2 -o /dev/null", 1, "", "no regular file"},
+    };
+    for (const Row &row : rows)
+        expectOutcome(row, run(row.arguments));
+    expectNoTemporaryFile();
+    EXPECT_EQ(contents(file("we\\ird.krg")), "<< /a 1 >>");
+    EXPECT_EQ(run("values set ../small.krg a 2 -o new.krg", "cd 'x\\y'").exitCode, 0);
+    EXPECT_NE(contents(file("x\\y/new.krg")).find("/a 2"), std::string::npos);
 }
 
 TEST_F(KvTool, TakesUtf8FromTheCommandLine) {
