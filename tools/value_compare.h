@@ -14,7 +14,7 @@ namespace kvtool {
 class TreeWalk {
 public:
     explicit TreeWalk(KV_UValDict &root) { enter(root); }
-    /// The next entry, or null behind the last one. value() and path() then tell of it.
+    /// Goes to the next entry, of which value(), key() and path() then tell. False behind the last one.
     bool next();
     /// The entry's value; null for an entry without one.
     KV_UVal *value() const { return m_levels.back().at->second; }

@@ -84,6 +84,9 @@ void get(const Arguments &args) {
     if (value.GetType() == KV_UVAL_DICT) {
         if (!args.type.empty())
             throw BadInput(args.file, quoted(args.path) + " is a dictionary and has no " + args.type);
+        if (args.index)
+            throw BadInput(args.file, quoted(args.path) + " is a dictionary and has no element " +
+                                          std::to_string(*args.index));
         print(static_cast<KV_UValDict &>(value), args.file);
         return;
     }
@@ -141,6 +144,21 @@ void set(const Arguments &args) {
             setFrom(value, args.values[i], static_cast<std::int32_t>(i), args);
     }
     save(values, args);
+}
+
+// What the parser has not taken: values, and "--", behind which everything is one. Before it a word with a
+// dash in front is an option that doesn't exist, unless it is a number.
+void addFurtherValues(const std::vector<std::string> &words, Arguments &args) {
+    bool allAreValues = false;
+    for (const std::string &word : words) {
+        if (!allAreValues && word == "--") {
+            allAreValues = true;
+            continue;
+        }
+        if (!allAreValues && word.starts_with('-') && typeOfText(word) >= KV_UVAL_STRING)
+            throw CLI::ExtrasError({word});
+        args.values.push_back(word);
+    }
 }
 
 void removeEntry(const Arguments &args) {
@@ -237,17 +255,20 @@ void addValuesCommands(CLI::App &app) {
     setCommand.add_option("FILE", args->file)->required();
     addPath(setCommand, *args);
     // Only the first VALUE is an option of the parser's: it would take a list of several in brackets apart.
-    setCommand.add_option("VALUE", args->values, "one value, or several for an array")
+    setCommand.add_option("VALUE", args->values, "the value, or the first of an array")
         ->required()
         ->expected(1)
         ->allow_extra_args(false);
     setCommand.allow_extras();
+    // The parser takes what stands behind "--" as it is only while an argument of its own can come. So this
+    // one takes none.
+    setCommand.add_option("MORE", args->values, "further values; behind '--' also such as begin with '-'")
+        ->expected(1)
+        ->allow_extra_args(false)
+        ->check([](const std::string &) { return "is taken below"; });
+    setCommand.validate_positionals();
     setCommand.callback([&setCommand, args] {
-        for (const std::string &text : setCommand.remaining()) {
-            if (text == "--") continue;
-            if (text.rfind("--", 0) == 0) throw CLI::ExtrasError({text});
-            args->values.push_back(text);
-        }
+        addFurtherValues(setCommand.remaining(), *args);
         set(*args);
     });
     setCommand
