@@ -11,13 +11,10 @@
 #include "command.h"
 #include "file_replace.h"
 #include "value_compare.h"
-#include "value_survey.h"
 #include "value_types.h"
 
 namespace kvtool {
 namespace {
-
-constexpr std::size_t kMostLines = 10;
 
 std::string textOf(const KV_Exception &error) {
     KV_String text;
@@ -114,17 +111,23 @@ void ValueFile::readText(const std::string &bytes) {
         throw BadInput(m_file,
                        std::string("holds a single ") + typeName(value->GetType()) + ", not a dictionary");
     static_cast<KV_UValDict &>(*value).MoveTo(&m_dict);
-    m_unkept = surveyText(bytes);
+    m_survey = surveyText(bytes);
 }
 
 void ValueFile::readBinary(const std::string &bytes) {
     m_form = ValueForm::Binary;
     const std::size_t size = parseBinary(m_file, bytes, m_dict);
     if (binaryForm(m_dict) != std::string_view(bytes).substr(0, size))
-        m_unkept.emplace_back(
+        m_survey.unkept.emplace_back(
             "another byte order, a key twice or with the path separator, or a text that is no UTF-8");
     if (size < bytes.size())
-        m_unkept.push_back(std::to_string(bytes.size() - size) + " bytes behind the values");
+        m_survey.unkept.push_back(std::to_string(bytes.size() - size) + " bytes behind the values");
+}
+
+void ValueFile::refuseMisread() const {
+    if (!misread().empty())
+        throw BadInput(m_file, "holds what is not read as it is written:" + list(misread()) +
+                                   "\n--force goes on with what was read");
 }
 
 ValueFile ValueFile::openOrNew(const std::string &file, ValueForm form) {
@@ -169,13 +172,14 @@ void ValueFile::write(const std::string &to, bool force) {
     if (isTooDeep())
         throw BadInput(to, "is left as it was: the tool writes no more than " + std::to_string(kDeepestTree) +
                                " levels");
+    if (!force) refuseMisread();
     const std::string written = bytes(to);
     const std::vector<std::string> lost = unwritable();
     if (!force && !lost.empty())
         throw BadInput(to, std::string("is left as it was, for the ") + formName(m_form) +
                                " form can't hold:" + list(lost) + "\n--force writes what it can");
-    if (!force && isSameFile(to, m_file) && !m_unkept.empty())
-        throw BadInput(to, "is left as it was, for it holds what would be lost:" + list(m_unkept) +
+    if (!force && isSameFile(to, m_file) && !unkept().empty())
+        throw BadInput(to, "is left as it was, for it holds what would be lost:" + list(unkept()) +
                                "\n--force writes all the same, --output FILE writes elsewhere");
     parse(to, written);  // whatever is lost, a file that can't be read is never written
     replaceFile(to, written);

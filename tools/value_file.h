@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "value_survey.h"
+
 namespace kvtool {
 
 /// How many levels the tool prints and writes. The text form indents by the depth, so a hostile file could
@@ -31,9 +33,13 @@ public:
     /// Has the values written in another form.
     void setForm(ValueForm form) { m_form = form; }
 
-    /// What the file holds that its values don't (value_survey.h). Writing the values back over the file
+    /// What the file holds and no value does (value_survey.h). Writing the values back over the file
     /// loses it.
-    const std::vector<std::string> &unkept() const { return m_unkept; }
+    const std::vector<std::string> &unkept() const { return m_survey.unkept; }
+    /// What was not read as the file's text has it (value_survey.h): wherever the values go, it is lost.
+    const std::vector<std::string> &misread() const { return m_survey.misread; }
+    /// Throws BadInput when misread() tells of anything.
+    void refuseMisread() const;
     /// Whether there are more levels than kDeepestTree.
     bool isTooDeep();
     /// What the form can't hold of the values as they now are, at most ten lines "PATH: reason". Not to be
@@ -42,7 +48,7 @@ public:
 
     /// Writes the values to a file, which is replaced wholly or not at all. Throws BadInput, and the file
     /// stays as it was, when the values are too deep, or couldn't be read again; without force also when
-    /// unwritable(), or unkept() and the file is the one that was read, tell of a loss.
+    /// misread() or unwritable(), or unkept() and the file is the one that was read, tell of a loss.
     void write(const std::string &to, bool force);
 
 private:
@@ -56,7 +62,7 @@ private:
     std::string m_file;
     KV_UValDict m_dict{0};
     ValueForm m_form = ValueForm::Text;
-    std::vector<std::string> m_unkept;
+    TextSurvey m_survey;
 };
 
 }  // namespace kvtool

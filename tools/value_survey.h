@@ -1,13 +1,26 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
 namespace kvtool {
 
-/// What a text that has been read well holds and its values don't: comments, keys that come twice or hold the
-/// path separator or a zero byte, numbers out of range, texts that stand for numbers, arrays of several
-/// kinds, text behind the value. At most ten lines.
-std::vector<std::string> surveyText(const std::string &bytes);
+/// How many lines the tool gives to one kind of trouble in a file.
+constexpr std::size_t kMostLines = 10;
+
+/// What a text in value form holds and the values read from it don't; at most kMostLines lines each.
+struct TextSurvey {
+    /// What no value holds: comments, and text behind the values. Writing the values over their file drops
+    /// it.
+    std::vector<std::string> unkept;
+    /// "line N: what": a number or text that its value does not give back as it is written (a decimal with
+    /// more digits than the type has, a number in the place of a text), a key that comes twice, is empty or
+    /// is read as a path, a type keyword without effect.
+    std::vector<std::string> misread;
+};
+
+/// Compares a text, which has been read as a dictionary, with what the reader makes of it, token by token.
+TextSurvey surveyText(const std::string &bytes);
 
 }  // namespace kvtool

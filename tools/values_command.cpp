@@ -171,6 +171,7 @@ void removeEntry(const Arguments &args) {
 void merge(const Arguments &args) {
     ValueFile values(args.file);
     ValueFile other(args.other);
+    if (!args.force) other.refuseMisread();
     other.dict().MoveTo(&values.dict());
     save(values, args);
 }
@@ -178,6 +179,7 @@ void merge(const Arguments &args) {
 void copy(const Arguments &args) {
     ValueFile from(args.file);
     findOrFail(from, args);
+    if (!args.force) from.refuseMisread();
     ValueFile to = ValueFile::openOrNew(args.other, from.form());
     if (from.dict().CopyUValTo(pathOf(args), &to.dict()) == nullptr)
         throw BadInput(args.other, quoted(args.path) + " leads through an entry that is no dictionary");
@@ -197,14 +199,17 @@ void check(const Arguments &args) {
     std::cout << args.file << ": " << size.entries << " entries in " << size.depth << " levels\n";
     for (const std::string &line : values.unkept())
         std::cout << "  a rewrite drops " << line << '\n';
+    for (const std::string &line : values.misread())
+        std::cout << "  " << visible(line) << '\n';
     if (values.isTooDeep())
         throw BadInput(args.file, "is nested deeper than the " + std::to_string(kDeepestTree) +
                                       " levels that are written");
     const std::vector<std::string> lost = values.unwritable();
     for (const std::string &line : lost)
         std::cout << "  " << visible(line) << '\n';
-    std::cout << (lost.empty() ? "  its values are written and read back unchanged\n" : "");
-    if (!lost.empty()) throw BadInput(args.file, "its values are not all read back as they are");
+    if (!values.misread().empty() || !lost.empty())
+        throw BadInput(args.file, "its values are not all read, or not written, as they are");
+    std::cout << "  its values are written and read back unchanged\n";
 }
 
 using Run = void (*)(const Arguments &);
@@ -221,7 +226,8 @@ void addWriteOptions(CLI::App &command, Arguments &args, bool withOutput) {
         command.add_option("-o,--output", args.output,
                            "write to this file and leave the one that was read as it is");
     command.add_flag("--force", args.force,
-                     "write also when something is lost: comments, decimals beyond six, pointers");
+                     "write also when something is lost: comments, decimals beyond six, pointers, what was "
+                     "not read as it is written");
 }
 
 void addPath(CLI::App &command, Arguments &args) {
@@ -311,7 +317,9 @@ void addValuesCommands(CLI::App &app) {
     addWriteOptions(convertCommand, *args, false);
 
     CLI::App &checkCommand =
-        addCommand(*values, "check", "Reads a file, and tells its size and what writing it again would lose",
+        addCommand(*values, "check",
+                   "Reads a file, and tells its size, what is not read as it is written, and what writing it "
+                   "again would lose",
                    check, args);
     checkCommand.add_option("FILE", args->file)->required();
 }

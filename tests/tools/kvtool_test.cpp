@@ -129,7 +129,7 @@ TEST_F(KvTool, ChangesFilesAndRefusesWhatWouldBeLost) {
     write("colon.krg", "<< /a:b 1 >>");
     write("pointer.krg", "<< /a 12 satptr >>");
     write("p.krg", "<< /p 0 satptr >>");
-    write("lossy.krg", "<< /a 3000000000 /b [ 1 2.5 ] /c 70000 satshort /d 12abc /e (x) satlong >>");
+    write("lossy.krg", "<< /a 1 /b\n3000000000 >>");
     const Row rows[] = {
         {"values set small.krg a 7", 0, "", ""},
         {"values get small.krg a", 0, "7\n", ""},
@@ -163,11 +163,14 @@ TEST_F(KvTool, ChangesFilesAndRefusesWhatWouldBeLost) {
         {"values remove small.krg b:d", 1, "", "has no entry 'b:d'"},
         {"values copy small.krg b made.krg", 0, "", ""},
         {"values get made.krg b:n", 0, "-2.5\n", ""},
+        {"values set made.krg wide 1.1e300 0.1 123456.789", 0, "", ""},
+        {"values set made.krg narrow 1.1e30 0.1 123.456 --type float", 0, "", ""},
+        {"values check made.krg", 0, "read back unchanged", ""},
         {"values set press.krg press:inks 6", 1, "", "6 comments"},
         {"values set press.krg press:inks 6 --output changed.krg", 0, "", ""},
         {"values get changed.krg press:inks", 0, "6\n", ""},
-        {"values set twice.krg b 1", 1, "", "the key 'a' twice"},
-        {"values set colon.krg c 1", 1, "", "the key 'a:b', which holds the path separator"},
+        {"values set twice.krg b 1", 1, "", "the key 'a' comes twice"},
+        {"values set colon.krg c 1", 1, "", "the key 'a:b' holds the path separator"},
         {"values set pointer.krg c 1", 1, "", "a: pointers are not stored"},
         {"values check pointer.krg", 1, "a: pointers are not stored", "pointer.krg"},
         {"values set pointer.krg c 1 --force", 0, "", ""},
@@ -176,11 +179,13 @@ TEST_F(KvTool, ChangesFilesAndRefusesWhatWouldBeLost) {
         {"values get small.krg text", 0, "[x,y]\n", ""},
         {"values set p.krg \"\\050\" 1 --force", 1, "", "p.krg: "},
         {"values set lossy.krg z 1", 1, "",
-         "\n  the number 3000000000, which is out of its type's range\n  an array of elements of several "
-         "kinds\n"
-         "  the number 70000, which is out of its type's range\n"
-         "  the word '12abc', of which only the beginning counts as a number\n  a text in the place of a "
-         "number\n"},
+         "lossy.krg: holds what is not read as it is written:\n  line 2: "},
+        {"values set lossy.krg z 1 -o new.krg", 1, "", "lossy.krg: holds what is not read"},
+        {"values merge small.krg lossy.krg", 1, "", "lossy.krg: holds what is not read"},
+        {"values copy lossy.krg a new.krg", 1, "", "lossy.krg: holds what is not read"},
+        {"values show new.krg", 1, "", "new.krg: doesn't exist"},
+        {"values copy lossy.krg b new.krg --force", 0, "", ""},
+        {"values get new.krg b", 0, "2147483647\n", ""},
         {"values set small.krg \"\" 1", 1, "", "an empty path"},
         {"values set p.krg p 1", 1, "", "a ptr can't be set"},
         {"values set small.krg a 1 -o nowhere/x.krg", 1, "", "its folder doesn't exist"},
@@ -252,6 +257,55 @@ TEST_F(KvTool, TakesEitherFormByItsContent) {
     EXPECT_FALSE(fs::exists(file("y.bin")) || fs::exists(file("x.krg")));
 }
 
+TEST_F(KvTool, TellsWhatIsNotReadAsItIsWritten) {
+    const struct {
+        const char *text;
+        const char *line;
+    } rows[] = {
+        {"/v [ 1 2 ] satstring", "1 is read as ()"},
+        {"/v [ 300 ] satuchar", "300 is read as 44"},
+        {"/v [ 1 2.5 ]", "2.5 is read as 2"},
+        {"/v [ (x) ] satlong", "(x) is read as 0"},
+        {"/v [ 1 /x ]", "/x is read as 0"},
+        {"/v [ 1 satshort ]", "satshort stands within an array, where it has no effect"},
+        {"/v [ [ 1 ] 2 ] satlong", "an array that holds more than numbers and texts"},
+        {"/v [ 1 << ]", "an array that holds more than numbers and texts"},
+        {"/v 70000 satshort", "70000 is read as 4464"},
+        {"/v 4026531855 satulong", "4026531855 is read as 2147483647"},
+        {"/v 2.5 satlong", "2.5 is read as 2"},
+        {"/v 16777217 satfloat", "16777217 is read as 16777216"},
+        {"/v 9007199254740993.0", "9007199254740993.0 is read as 9007199254740992"},
+        {"/v 1e400", "1e400 is read as 1.7976931348623157e+308"},
+        {"/v 12abc", "12abc is read as 12"},
+        {"/v 1-2", "1-2 is read as 1"},
+        {"/v (x) satptr", "(x) is read as 0x00000000"},
+        {"/v 5 satstring", "5 is read as ()"},
+        {"/v (Gr\\374n) satutfstring", "(Gr\\374n) is read as (Gr#n)"},
+        {"satlong /v 1", "satlong has no value before it, and no effect"},
+        {"/v 1 satshort satlong", "satlong has no value before it, and no effect"},
+        {"/v b\\051 5", "an escape that ends a word and is read as a bracket"},
+        {"/v 1 (v) 2", "the key 'v' comes twice, and the later one counts"},
+        {"/v << / 1 >>", "the key '' is empty, and its entry is not kept"},
+        {"(v\\000w) 1", "the key 'v\\000w' ends at its zero byte"},
+        {"[ (v) (w) ] 1", "an array in the place of a key"},
+    };
+    for (const auto &row : rows) {
+        write("v.krg", std::string("<< ") + row.text + " >>");
+        const Outcome outcome = run("values check v.krg");
+        EXPECT_EQ(outcome.exitCode, 1) << row.text;
+        EXPECT_NE(outcome.out.find(std::string("\n  line 1: ") + row.line + "\n"), std::string::npos)
+            << row.text << '\n'
+            << outcome.out;
+    }
+    write(
+        "v.krg",
+        "<< /a 0.1 /b 1e+5 /c -0.50 satfloat /d 1.45 satfloat /e .5 /f 3. /g (12) satlong /h -5 satulong /i "
+        "3000000000.0 satulong /j [ 1 2 ] satdouble (k) word /l [ (M\\303\\274) ] satutfstring /m -0 >>");
+    expectOutcome({"values check v.krg", 0,
+                   "v.krg: 13 entries in 1 levels\n  its values are written and read back unchanged\n", ""},
+                  run("values check v.krg"));
+}
+
 TEST_F(KvTool, DoesNotLetAFileSteerTheTerminal) {
     // An escape sequence; a control character in UTF-8 and one of its bytes alone; characters of 4 and 2
     // bytes.
@@ -259,7 +313,8 @@ TEST_F(KvTool, DoesNotLetAFileSteerTheTerminal) {
     const Row rows[] = {
         {"values show steer.krg", 0, "    |- \\033[2J => (String)\\302\\233\\233\xF0\x9F\x98\x80\xC3\xBC\n",
          ""},
-        {"values set steer.krg a 1", 1, "", "the key '\\033[2J' twice"},
+        {"values check steer.krg", 1, "the key '\\033[2J' comes twice", "steer.krg: "},
+        {"values set steer.krg a 1", 1, "", "the key '\\033[2J' comes twice"},
     };
     for (const Row &row : rows)
         expectOutcome(row, run(row.arguments));
