@@ -13,75 +13,10 @@
 #include <string>
 #include <utility>
 
+#include "filled_dict.h"
 #include "kvbase/univval/kv_uval_leaf.h"
 
-#if defined(__has_feature)
-#    if __has_feature(address_sanitizer)
-#        define KV_TEST_SANITIZED
-#    endif
-#elif defined(__SANITIZE_ADDRESS__)
-#    define KV_TEST_SANITIZED
-#endif
-
-#if !defined(KV_TEST_SANITIZED)  // the sanitizer has its own operators; what counts is left out there
 namespace {
-thread_local long allocated = 0, live = 0, allowed = -1;  // allowed: until the next failure; -1 for ever
-}
-
-void *operator new(std::size_t size) {
-    void *block = allowed == 0 ? nullptr : std::malloc(size != 0 ? size : 1);
-    if (block == nullptr) throw std::bad_alloc();
-    if (allowed > 0) --allowed;
-    ++allocated;
-    ++live;
-    return block;
-}
-void operator delete(void *block) noexcept {
-    if (block != nullptr) --live;
-    std::free(block);
-}
-void operator delete(void *block, std::size_t) noexcept { operator delete(block); }
-#endif
-
-namespace {
-
-/// Fills a dictionary from words such as "a:b=5"; "a=null" makes a null entry, "a={}" an empty dictionary.
-void fill(KV_UValDict &dict, const std::string &words) {
-    std::istringstream stream(words);
-    for (std::string word; stream >> word;) {
-        const std::size_t sign = word.find('=');
-        const std::string path = word.substr(0, sign), value = word.substr(sign + 1);
-        if (value == "null") dict.SetUVal(path.c_str(), nullptr);
-        if (value == "{}") dict.DefineUValDict(path.c_str());
-        if (std::isdigit(value[0]) != 0)
-            dict.DefineUVal(path.c_str(), KV_UVAL_LONG, 0, nullptr)->SetLongValue(std::stoi(value), 0);
-    }
-}
-
-/// The same words back, in key order.
-std::string flat(KV_UValDict &dict, const std::string &prefix = "") {
-    std::string words;
-    for (const auto &[key, value] : *dict.GetValuePtr()) {
-        auto *inner = dynamic_cast<KV_UValDict *>(value);
-        if (!words.empty()) words += " ";
-        if (inner != nullptr && inner->GetSize() > 0) {
-            words += flat(*inner, prefix + key + ":");
-        } else {
-            words += prefix + key + "=" + (inner != nullptr ? "{}" : "");
-            if (inner == nullptr) words += value != nullptr ? std::to_string(value->GetLongValue(0)) : "null";
-        }
-    }
-    return words;
-}
-
-struct Filled : KV_UValDict {
-    using KV_UValDict::operator=;
-    explicit Filled(const std::string &words) : KV_UValDict(16384) { fill(*this, words); }
-};
-
-KV_UValDict *dictAt(KV_UValDict &dict, const char *path) {
-    return *path == 0 ? &dict : dynamic_cast<KV_UValDict *>(dict.GetUVal(path));
-}
 
 TEST(UValDict, EmptyOneGivesDefaults) {
     KV_UValDict dict(16384);
@@ -346,63 +281,5 @@ TEST(UValDict, DepthIsNoMatter) {
     dict.Clear();
     EXPECT_EQ(dict.GetSize(), 0);
 }
-
-#if !defined(KV_TEST_SANITIZED)
-TEST(UValDict, LookingUpAllocatesNothing) {
-    const std::string key(200, 'k');
-    const KV_DictPath path((key + ":" + key + ":" + key).c_str());
-    KV_UValDict dict(0);
-    dict.DefineUVal(path, KV_UVAL_DOUBLE, 2, nullptr);
-    const long before = allocated;
-    dict.SetValue(path, 2.5, 1);
-    const double sum = dict.GetValue(path, 0.0, 1) + dict.GetValue(path, 0L, 1) + dict.GetUValDimension(path);
-    EXPECT_EQ(allocated, before);
-    EXPECT_EQ(sum, 6.5);
-}
-
-TEST(UValDict, NothingLeaksWhenMemoryRunsOut) {
-    using Step = std::function<void(KV_UValDict &, KV_UValDict &)>;
-    const std::string path = "a:x:" + std::string(40, 'y');
-    const std::pair<const char *, Step> cases[] = {
-        {"define", [&](auto &d, auto &) { d.DefineUVal(path.c_str(), KV_UVAL_STRING, 3, nullptr); }},
-        {"assign", [](auto &d, auto &t) { t = d; }},
-        {"copy to", [](auto &d, auto &t) { d.CopyTo(&t); }},
-        {"copy one", [](auto &d, auto &t) { d.CopyUValTo("b:c", &t); }},
-        {"move to", [](auto &d, auto &t) { d.MoveTo(&t); }},
-        {"move one", [](auto &d, auto &t) { d.MoveUValTo("b:c", &t); }},
-        {"move below its place", [](auto &d, auto &) { d.MoveUValTo("g:g", dictAt(d, "g")); }},
-        {"define with data",
-         [&](auto &d, auto &) {
-             const long limit = std::exchange(allowed, -1);
-             auto *data = new KV_String("a text that needs a buffer");
-             const KV_DictPath built(path.c_str());
-             allowed = limit;
-             d.DefineUVal(built, KV_UVAL_STRING, 1, data);
-         }},
-    };
-    for (const auto &[name, step] : cases) {
-        bool failed = true;
-        for (long limit = 0; failed; ++limit) {
-            const long before = live;
-            {
-                Filled dict("a:b=1 b:c:x=2 b:c:z:u=5 e={} f=null g:g:h=7 i:a=1 j:a=1 k:a:b=1");
-                Filled target("a:c=2 b:c:z=null e:f=2 f={} g={} i:b=2 j:b=2 k:a:c=2");
-                const auto leaves = [&] { return std::ranges::count_if(flat(dict) + flat(target), isdigit); };
-                const auto expected = leaves();
-                failed = false;
-                allowed = limit;
-                try {
-                    step(dict, target);
-                } catch (const std::bad_alloc &) {
-                    failed = true;
-                }
-                allowed = -1;
-                EXPECT_TRUE(name[0] != 'm' || leaves() == expected) << name << ", failing after " << limit;
-            }
-            ASSERT_EQ(live, before) << name << ", failing after " << limit;
-        }
-    }
-}
-#endif
 
 }  // namespace

@@ -60,6 +60,7 @@ const ReadCase kCases[] = {
     {"typed array of arrays", "[ [ 1 ] 2 ] satlong", "(Long#2) {0,0,}"},
     {"array over an open dictionary", "[ 1 << /a 2 ]", "(Long#4) {1,0,0,2,}"},
     {"an octal bracket counts", "[ a\\135 x", "(String#1) {a,}"},
+    {"also behind a number", "[ (x) 1\\050 a) ]", "(String#3) {x,, a,}"},
     {"keys of all kinds", "<< /a 1 (b c) 2 d 3 [ (e) (f) ] 4 >>",
      "    |- a => (Long)1\n    |- b c => (Long)2\n    |- d => (Long)3\n    |- e => (Long)4\n"},
     {"later pair wins", "<< /a 1 /a (x) >>", "    |- a => (String)x\n"},
@@ -215,11 +216,11 @@ TEST(UvalTextRead, NumbersDoNotDependOnTheLocale) {
     EXPECT_TRUE(point.decimal_point() == '.' && point.thousands_sep() == '\0');
 }
 
-TEST(UvalTextRead, DepthAndLengthCostNoStack) {
+TEST(UvalTextRead, DepthCostsNeitherStackNorTime) {
     constexpr int kDepth = 1000000;
     std::string text = "<< ";
     for (int i = 0; i < kDepth; ++i)
-        text += "/a<<";
+        text += i % 8 == 0 ? "/a:b<<" : "/a<<";
     EXPECT_THROW(read(text), KV_FileException);
     for (int i = 0; i <= kDepth; ++i)
         text += ">>";

@@ -29,7 +29,9 @@ class KV_UVal;
 // satfloat 6, satdouble 7, satstring 8, satutfstring 9, satptr 10.
 //
 // Any input at all gives a value or KV_FileException; neither reading nor writing recurses by the depth of a
-// value. The functions share no state but the tracer "KvBaseTrace"; reading looks at the separator of paths.
+// value. Reading takes, besides what the value itself does and a few KiB, at most 8 times the size of the
+// text that it has read. The functions share no state but the tracer "KvBaseTrace"; reading looks at the
+// separator of paths.
 
 /// A token of the text form. Its own kind is all there is to a bracket; the classes below add what was read.
 class KV_EXPORT KV_PsNToken {

@@ -39,9 +39,10 @@ std::unique_ptr<KV_UVal> makeLeaf(KV_UValType type, std::int32_t dimension, void
 
 /// The inner way into a dictionary, for the readers of value files.
 struct DictAccess {
-    /// Stores value at this level under the key as it stands, and deletes the value that stood there. The
-    /// fastest order of calls is that of ascending keys. The value may be null.
-    static void put(KV_UValDict &dict, std::string &&key, std::unique_ptr<KV_UVal> value);
+    /// Stores value, which is new and may be null, at the path that key is as text, and deletes the value
+    /// that stood there. What finds no place is released. The fastest order of calls is that of ascending
+    /// keys.
+    static void put(KV_UValDict &dict, std::string_view key, std::unique_ptr<KV_UVal> value);
 
     /// Moves all entries of from into target, merging as MoveTo does. target must not lie within from: nobody
     /// looks.

@@ -1,6 +1,7 @@
 #include "kvbase/univval/kv_uval_dict.h"
 
 #include <cstring>
+#include <iterator>
 #include <memory>
 #include <string_view>
 #include <utility>
@@ -59,23 +60,24 @@ KV_UValDict::~KV_UValDict() { Clear(); }
 
 KV_UVal *KV_UValDict::DeepCopy() { return new KV_UValDict(*this); }
 
-// Neither recurses nor allocates.
+// Neither recurses nor allocates. Takes the last entry first, the reverse of how reading makes a tree, so
+// that allocators hand the memory out in order again.
 void KV_UValDict::Clear() {
     KV_UVal *open = nullptr;  // the dictionaries that are still to be taken down
-    const auto empty = [&open](Map &map) {
-        for (auto &entry : map) {
-            if (KV_UValDict *dict = asDict(entry.second)) {
-                DictAccess::push(open, *dict);
-            } else {
-                delete entry.second;
-            }
+    DictAccess::push(open, *this);
+    while (open != nullptr) {
+        auto *level = static_cast<KV_UValDict *>(open);
+        if (level->m_map.empty()) {
+            DictAccess::pop(open);
+            if (level != this) delete level;
+            continue;
         }
-        map.clear();
-    };
-    empty(m_map);
-    while (KV_UValDict *dict = DictAccess::pop(open)) {
-        empty(dict->m_map);
-        delete dict;
+        KV_UVal *value = level->m_map.extract(std::prev(level->m_map.end())).mapped();
+        if (KV_UValDict *dict = asDict(value)) {
+            DictAccess::push(open, *dict);
+        } else {
+            delete value;
+        }
     }
 }
 
@@ -170,7 +172,15 @@ void KV_UValDict::RemoveUVal(const KV_DictPath &path) {
     level->erase(entry);
 }
 
-void DictAccess::put(KV_UValDict &dict, std::string &&key, std::unique_ptr<KV_UVal> value) {
-    KV_UVal *&place = dict.m_map.try_emplace(dict.m_map.end(), std::move(key), nullptr)->second;
-    const std::unique_ptr<KV_UVal> former(std::exchange(place, value.release()));
+void DictAccess::put(KV_UValDict &dict, std::string_view key, std::unique_ptr<KV_UVal> value) {
+    if (key.empty()) return;
+    KV_UValDict::Map *level = &dict.m_map;
+    KV_UValDict::Map::iterator entry;
+    if (key.find(KV_DictPath::GetSeparator()) == key.npos) {
+        entry = level->emplace_hint(level->end(), key, nullptr);
+    } else {
+        entry = dict.FindUValPathIterator(KV_DictPath(std::string(key).c_str()), true, level);
+        if (entry == level->end()) return;
+    }
+    const std::unique_ptr<KV_UVal> former(std::exchange(entry->second, value.release()));
 }

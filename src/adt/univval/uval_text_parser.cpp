@@ -7,10 +7,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <limits>
-#include <string>
-#include <string_view>
 #include <utility>
-#include <vector>
 
 #include "dict_access.h"
 #include "kvbase/runtime/kv_exception.h"
@@ -20,20 +17,13 @@
 #include "runtime/trace_line.h"
 #include "text_keywords.h"
 #include "text_lexer.h"
+#include "text_stack.h"
 
 namespace kv::detail {
 
 namespace {
 
 using Kind = KV_PsNToken::Kind;
-
-/// A number or a text as it was read.
-struct Scalar {
-    Kind kind;
-    std::int32_t integer = 0;
-    double number = 0;
-    std::string_view text = {};
-};
 
 /// The type of a value that no keyword follows; KV_UVAL_NONE for what is neither number nor text.
 KV_UValType defaultType(Kind kind) {
@@ -49,15 +39,29 @@ KV_UValType defaultType(Kind kind) {
     }
 }
 
+/// The same for an array by its first token.
+KV_UValType defaultType(TokenStack::Mark first) {
+    switch (first) {
+    case TokenStack::kInteger:
+        return KV_UVAL_LONG;
+    case TokenStack::kFloat:
+    case TokenStack::kZero:
+        return KV_UVAL_DOUBLE;
+    case TokenStack::kText:
+        return KV_UVAL_STRING;
+    default:
+        return KV_UVAL_NONE;
+    }
+}
+
 /// Puts what was read into the element at index.
-void store(KV_UVal &value, const Scalar &scalar, std::int32_t index) {
+void store(KV_UVal &value, Scalar &&scalar, std::int32_t index) {
     const KV_UValType type = value.GetType();
     if (scalar.kind == KV_PsNToken::PST_STRING) {
-        KV_String text = toKVString(scalar.text);
         if (type == KV_UVAL_STRING) {
-            *static_cast<KV_UValString &>(value).GetValuePtr(index) = std::move(text);
+            *static_cast<KV_UValString &>(value).GetValuePtr(index) = std::move(scalar.text);
         } else {
-            value.SetStrValue(text, index);
+            value.SetStrValue(scalar.text, index);
         }
     } else if (type == KV_UVAL_PTR) {
         const std::int64_t address =
@@ -71,141 +75,16 @@ void store(KV_UVal &value, const Scalar &scalar, std::int32_t index) {
     }
 }
 
-/// Stores a pair of a dictionary. A key with the separator or a zero byte in it is a path; a value that finds
-/// no place is released.
-void storePair(KV_UValDict &dict, std::string_view key, std::unique_ptr<KV_UVal> value) {
-    if (key.empty()) return;
-    if (key.find(KV_DictPath::GetSeparator()) == key.npos && key.find('\0') == key.npos) {
-        DictAccess::put(dict, std::string(key), std::move(value));
-    } else if (dict.SetUVal(KV_DictPath(toKVString(key)), value.get()) != nullptr) {
-        static_cast<void>(value.release());
-    }
-}
+/// The working buffer of the reader comes from the heap and is large, since glibc joins its small free blocks
+/// before it gives a large one. The parts of a tree then lie side by side, and not in the scattered places
+/// of former trees.
+constexpr std::size_t kReaderBufferSize = 4096;
 
 [[noreturn]] void fail(const char *traced, const char *message, const char *date, const char *file,
                        int line) {
     traceLine(kTraceError, traced);
     throw KV_FileException(message, KV_FileException::InvalidFile, 0, date, file, line);
 }
-
-/// The stack of tokens. A token is a byte, its kind; what else belongs to it lies on the stack of its kind.
-class TokenStack {
-public:
-    /// Where a token, and what belongs to it and to those above it, begins.
-    struct Place {
-        std::size_t token = 0, integer = 0, number = 0, text = 0, value = 0;
-    };
-
-    // Room for the keys on the way down an ordinary tree.
-    TokenStack() { m_texts.reserve(kTokenBufferSize); }
-
-    void push(Kind bracket) { m_kinds.push_back(static_cast<char>(bracket)); }
-    void push(Kind kind, std::string_view text) {
-        push(kind);
-        m_textEnds.push_back(m_texts.size() + text.size());
-        m_texts += text;
-    }
-    void push(const Scalar &scalar) {
-        if (scalar.kind == KV_PsNToken::PST_STRING) return push(scalar.kind, scalar.text);
-        push(scalar.kind);
-        if (scalar.kind == KV_PsNToken::PST_INT)
-            m_integers.push_back(scalar.integer);
-        else
-            m_numbers.push_back(scalar.number);
-    }
-    void push(std::unique_ptr<KV_UVal> value) {
-        push(KV_PsNToken::PST_UVAL);
-        m_values.push_back(std::move(value));
-    }
-
-    std::size_t size() const { return m_kinds.size(); }
-    Kind kind(const Place &place) const { return static_cast<Kind>(m_kinds[place.token]); }
-    std::string_view text(const Place &place) const {
-        const std::size_t begin = place.text == 0 ? 0 : m_textEnds[place.text - 1];
-        return std::string_view(m_texts).substr(begin, m_textEnds[place.text] - begin);
-    }
-    std::unique_ptr<KV_UVal> &value(const Place &place) { return m_values[place.value]; }
-    /// The number or text there; any other kind has nothing but its kind.
-    Scalar scalar(const Place &place) const {
-        switch (kind(place)) {
-        case KV_PsNToken::PST_INT:
-            return {KV_PsNToken::PST_INT, m_integers[place.integer], 0, {}};
-        case KV_PsNToken::PST_FLOAT:
-            return {KV_PsNToken::PST_FLOAT, 0, m_numbers[place.number], {}};
-        case KV_PsNToken::PST_STRING:
-            return {KV_PsNToken::PST_STRING, 0, 0, text(place)};
-        default:
-            return {kind(place)};
-        }
-    }
-
-    /// Goes on to the token above.
-    void advance(Place &place) const {
-        switch (kind(place)) {
-        case KV_PsNToken::PST_INT:
-            ++place.integer;
-            break;
-        case KV_PsNToken::PST_FLOAT:
-            ++place.number;
-            break;
-        case KV_PsNToken::PST_STRING:
-        case KV_PsNToken::PST_IDENTIFIER:
-            ++place.text;
-            break;
-        case KV_PsNToken::PST_UVAL:
-            ++place.value;
-            break;
-        default:
-            break;
-        }
-        ++place.token;
-    }
-
-    /// Looks for the topmost bracket of a kind. False when there is none.
-    bool find(Kind bracket, Place &place) const {
-        const auto found = std::find(m_kinds.rbegin(), m_kinds.rend(), static_cast<char>(bracket));
-        if (found == m_kinds.rend()) return false;
-        const auto token = static_cast<std::size_t>(m_kinds.rend() - found) - 1;
-        Place above;
-        for (above.token = token; above.token != size();)
-            advance(above);
-        place = {token, m_integers.size() - above.integer, m_numbers.size() - above.number,
-                 m_textEnds.size() - above.text, m_values.size() - above.value};
-        return true;
-    }
-
-    /// Copies the count tokens from there on into an array of their own type, if they are numbers of one
-    /// kind.
-    bool copyNumbers(const Place &place, std::size_t count, KV_UVal &array) const {
-        if (array.GetType() == KV_UVAL_LONG && m_integers.size() - place.integer == count) {
-            std::copy_n(&m_integers[place.integer], count, static_cast<KV_UValLong &>(array).GetValuePtr(0));
-            return true;
-        }
-        if (array.GetType() == KV_UVAL_DOUBLE && m_numbers.size() - place.number == count) {
-            std::copy_n(&m_numbers[place.number], count, static_cast<KV_UValDouble &>(array).GetValuePtr(0));
-            return true;
-        }
-        return false;
-    }
-
-    /// Drops the token there and all above it.
-    void dropFrom(const Place &place) {
-        m_kinds.resize(place.token);
-        m_integers.resize(place.integer);
-        m_numbers.resize(place.number);
-        m_textEnds.resize(place.text);
-        m_texts.resize(place.text == 0 ? 0 : m_textEnds.back());
-        m_values.resize(place.value);
-    }
-
-private:
-    std::vector<char> m_kinds;
-    std::vector<std::int32_t> m_integers;
-    std::vector<double> m_numbers;
-    std::string m_texts;  // one behind the other
-    std::vector<std::size_t> m_textEnds;
-    std::vector<std::unique_ptr<KV_UVal>> m_values;
-};
 
 class TextParser {
 public:
@@ -218,8 +97,11 @@ private:
     bool nextToken();
     int readTypeKeyword();
     void act();
+    void element();
     void scalar();
+    void push(std::unique_ptr<KV_UVal> value);
     void endArray();
+    void fill(KV_UVal &array, std::size_t count);
     void endDictionary();
 
     TextLexer &m_lexer;
@@ -228,8 +110,7 @@ private:
     bool m_inArray = false;
     std::size_t m_depth = 0;  // of open brackets
     TokenStack m_stack;
-    char m_buffer[kTokenBufferSize];
-    TokenText m_text{m_buffer, sizeof(m_buffer)};  // of the scalar, while the token behind it is read
+    std::unique_ptr<KV_UVal> m_first;  // what the lowest token is, if that is a value
 };
 
 std::unique_ptr<KV_UVal> TextParser::read() {
@@ -238,10 +119,10 @@ std::unique_ptr<KV_UVal> TextParser::read() {
         if (m_depth == 0) break;
     }
     if (m_stack.size() != 1) fail("Error in object hierarchy", "Error in object hierarchy", KV_HERE);
-    if (m_stack.kind({}) != KV_PsNToken::PST_UVAL) {
+    if (m_first == nullptr) {
         throw KV_FileException("KV_PsNToken::PST_UVAL differs ", KV_FileException::InvalidFile, 0, KV_HERE);
     }
-    return std::move(m_stack.value({}));
+    return std::move(m_first);
 }
 
 /// Makes the next token the lexer's. False at the end.
@@ -263,22 +144,26 @@ int TextParser::readTypeKeyword() {
 }
 
 void TextParser::act() {
-    const Kind kind = m_lexer.kind();
-    switch (kind) {
+    switch (m_lexer.kind()) {
     case KV_PsNToken::PST_INT:
     case KV_PsNToken::PST_FLOAT:
     case KV_PsNToken::PST_STRING:
-        scalar();
+        m_inArray ? element() : scalar();
         break;
     case KV_PsNToken::PST_ARRAY_BEGIN:
         m_inArray = true;
-        [[fallthrough]];
+        ++m_depth;
+        m_stack.push(TokenStack::kArrayBegin);
+        break;
     case KV_PsNToken::PST_DICT_BEGIN:
         ++m_depth;
-        m_stack.push(kind);
+        m_stack.push(TokenStack::kDictBegin);
         break;
     case KV_PsNToken::PST_IDENTIFIER:
-        m_stack.push(kind, m_lexer.text().view());
+        if (m_stack.wantsKey())
+            m_stack.pushKey(m_lexer.text());
+        else
+            m_stack.push(TokenStack::kOther);
         break;
     case KV_PsNToken::PST_ARRAY_END:
         endArray();
@@ -291,94 +176,104 @@ void TextParser::act() {
     }
 }
 
+/// A number or text of an array, and the numbers behind it. A keyword that follows is dropped like any other.
+void TextParser::element() {
+    if (m_lexer.kind() == KV_PsNToken::PST_STRING) return m_stack.pushElement(m_lexer.text());
+    do {
+        if (m_lexer.kind() == KV_PsNToken::PST_INT)
+            m_stack.pushElement(m_lexer.integer());
+        else
+            m_stack.pushElement(m_lexer.number());
+    } while (m_lexer.nextNumber());
+}
+
 void TextParser::scalar() {
     Scalar scalar{m_lexer.kind(), m_lexer.integer(), m_lexer.number()};
-    if (m_inArray) {  // a keyword that follows is dropped like any other
-        if (scalar.kind == KV_PsNToken::PST_STRING) scalar.text = m_lexer.text().view();
-        return m_stack.push(scalar);
-    }
-    if (scalar.kind == KV_PsNToken::PST_STRING) {
-        std::swap(m_text, m_lexer.text());
-        scalar.text = m_text.view();
-    }
+    if (scalar.kind == KV_PsNToken::PST_STRING) scalar.text = toKVString(m_lexer.text());
     const int keyword = readTypeKeyword();
     const KV_UValType type =
         keyword == KV_PsNToken::kNoType ? defaultType(scalar.kind) : kTypeKeywords[keyword].type;
     std::unique_ptr<KV_UVal> value = makeLeaf(type, 0, nullptr);
-    store(*value, scalar, 0);
-    m_stack.push(std::move(value));
+    store(*value, std::move(scalar), 0);
+    push(std::move(value));
+}
+
+/// A finished value: the result, a value or a key of a dictionary, or out of place.
+void TextParser::push(std::unique_ptr<KV_UVal> value) {
+    if (m_stack.isEmpty()) {
+        m_first = std::move(value);
+        m_stack.push(TokenStack::kOther);
+    } else if (m_stack.top() == TokenStack::kKey) {
+        m_stack.pushPaired(std::move(value));
+    } else if (m_stack.wantsKey() && value->GetFamily() == KV_UVAL_FAMILY_STRING) {
+        KV_String text;
+        value->GetStrValue(text, 0);
+        m_stack.pushKey(text.Ptr());  // as a path, it ends at a zero byte
+    } else {
+        m_stack.push(TokenStack::kOther);
+    }
 }
 
 void TextParser::endArray() {
     const int keyword = readTypeKeyword();
-    TokenStack::Place begin;
-    if (!m_stack.find(KV_PsNToken::PST_ARRAY_BEGIN, begin)) {
+    const std::size_t begin = m_stack.find(TokenStack::kArrayBegin);
+    if (begin == TokenStack::npos) {
         fail("[ ] pairs do not match", "KV_ReadUValTxt [ ] pairs do not match", KV_HERE);
     }
-    const std::size_t count = m_stack.size() - begin.token - 1;
+    const std::size_t count = m_stack.size() - begin - 1;
     if (count == 0) {
         fail("Empty arrays are not supported", "KV_ReadUValTxt Empty arrays are not supported", KV_HERE);
     }
     if (count > static_cast<std::size_t>(std::numeric_limits<std::int32_t>::max())) {
         fail("Too long an array", "KV_ReadUValTxt Too long an array", KV_HERE);
     }
-    TokenStack::Place element = begin;
-    m_stack.advance(element);
     const KV_UValType type =
-        keyword == KV_PsNToken::kNoType ? defaultType(m_stack.kind(element)) : kTypeKeywords[keyword].type;
+        keyword == KV_PsNToken::kNoType ? defaultType(m_stack.at(begin + 1)) : kTypeKeywords[keyword].type;
     if (type == KV_UVAL_NONE) fail("Illegal type in array", "KV_ReadUValTxt Illegal type in array", KV_HERE);
     std::unique_ptr<KV_UVal> array = makeLeaf(type, static_cast<std::int32_t>(count), nullptr);
-    if (!m_stack.copyNumbers(element, count, *array)) {
-        for (std::int32_t index = 0; element.token != m_stack.size(); ++index, m_stack.advance(element)) {
-            const Scalar scalar = m_stack.scalar(element);
-            if (defaultType(scalar.kind) != KV_UVAL_NONE) store(*array, scalar, index);
-        }
-    }
-    m_stack.dropFrom(begin);
-    m_stack.push(std::move(array));
+    fill(*array, count);
+    m_stack.pop();
+    push(std::move(array));
     --m_depth;
     m_inArray = false;
 }
 
+/// Moves the topmost count tokens into the places of an array.
+void TextParser::fill(KV_UVal &array, std::size_t count) {
+    const KV_UValType type = array.GetType();
+    if (type == KV_UVAL_LONG && m_stack.pop(static_cast<KV_UValLong &>(array).GetValuePtr(0), count)) return;
+    if (type == KV_UVAL_DOUBLE && m_stack.pop(static_cast<KV_UValDouble &>(array).GetValuePtr(0), count))
+        return;
+    for (std::size_t index = count; index-- > 0;) {
+        Scalar element = m_stack.pop();
+        if (element.kind != KV_PsNToken::PST_UVAL)
+            store(array, std::move(element), static_cast<std::int32_t>(index));
+    }
+}
+
 void TextParser::endDictionary() {
-    TokenStack::Place begin;
-    if (!m_stack.find(KV_PsNToken::PST_DICT_BEGIN, begin)) {
+    const std::size_t begin = m_stack.find(TokenStack::kDictBegin);
+    if (begin == TokenStack::npos) {
         fail("<< >> pairs do not match", "KV_ReadUValTxt << >> pairs do not match", KV_HERE);
     }
-    if ((m_stack.size() - begin.token) % 2 == 0) {
+    if ((m_stack.size() - begin) % 2 == 0) {
         fail("Attribute/value pairs in dictionary do not match",
              "KV_ReadUValTxt ttribute/value pairs in dictionary do not match", KV_HERE);
     }
-    auto dict = std::make_unique<KV_UValDict>(16384U);
-    TokenStack::Place place = begin;
-    for (m_stack.advance(place); place.token != m_stack.size(); m_stack.advance(place)) {
-        const TokenStack::Place key = place;
-        m_stack.advance(place);
-        const bool named = m_stack.kind(key) == KV_PsNToken::PST_IDENTIFIER;
-        const bool texted = m_stack.kind(key) == KV_PsNToken::PST_UVAL &&
-                            m_stack.value(key)->GetFamily() == KV_UVAL_FAMILY_STRING;
-        if (!(named || texted) || m_stack.kind(place) != KV_PsNToken::PST_UVAL) {
-            fail("Error in attribute/value pairs of dictionary",
-                 "Error in attribute/value pairs of dictionary", KV_HERE);
-        }
-        if (named) {
-            storePair(*dict, m_stack.text(key), std::move(m_stack.value(place)));
-        } else {
-            KV_String text;
-            m_stack.value(key)->GetStrValue(text, 0);
-            storePair(*dict, {text.Ptr(), text.Size()}, std::move(m_stack.value(place)));
-        }
+    std::unique_ptr<KV_UValDict> dict = m_stack.popDictionary(begin);
+    if (dict == nullptr) {
+        fail("Error in attribute/value pairs of dictionary", "Error in attribute/value pairs of dictionary",
+             KV_HERE);
     }
-    m_stack.dropFrom(begin);
-    m_stack.push(std::move(dict));
+    push(std::move(dict));
     --m_depth;
 }
 
 }  // namespace
 
 std::unique_ptr<KV_UVal> readTextValue(std::istream &stream, const KV_String &name) {
-    char buffer[kTokenBufferSize];
-    TextLexer lexer(stream, buffer, sizeof(buffer));
+    const auto buffer = std::make_unique_for_overwrite<char[]>(kReaderBufferSize);
+    TextLexer lexer(stream, buffer.get(), kReaderBufferSize);
     const bool named = !name.IsEmpty();
     if (named && !findDictionary(lexer, name)) {
         traceLine(kTraceError, "Dictionary ", name, " not found");

@@ -1,7 +1,6 @@
 // The tokens of the text form.
 
 #include <algorithm>
-#include <cstring>
 #include <istream>
 #include <limits>
 #include <new>
@@ -54,51 +53,19 @@ std::size_t runLength(std::string_view bytes, unsigned stop) {
     return length;
 }
 
-/// What lies behind the protected doors of a stream's buffer: its block and the position in it.
-struct BufferBlock : std::streambuf {
-    static const char *next(const std::streambuf &buffer) { return (buffer.*&BufferBlock::gptr)(); }
-    static const char *end(const std::streambuf &buffer) { return (buffer.*&BufferBlock::egptr)(); }
-    static void advance(std::streambuf &buffer, int count) { (buffer.*&BufferBlock::gbump)(count); }
-};
+/// Reads the digits at next, in front of end, behind those that number holds; it wraps beyond 19 of them.
+/// Gives their count.
+inline std::size_t readDigits(const char *&next, const char *end, std::uint64_t &number) {
+    const char *const begin = next;
+    for (; next != end; ++next) {
+        const unsigned digit = static_cast<unsigned char>(*next) - unsigned{'0'};
+        if (digit > 9) break;
+        number = number * 10 + digit;
+    }
+    return static_cast<std::size_t>(next - begin);
+}
 
 }  // namespace
-
-void TokenText::grow(std::size_t more) {
-    const std::size_t capacity = std::max({std::size_t{64}, m_capacity * 2, m_size + more});
-    std::unique_ptr<char[]> own(new char[capacity]);
-    if (m_size != 0) std::memcpy(own.get(), m_data, m_size);
-    m_own = std::move(own);
-    m_data = m_own.get();
-    m_capacity = capacity;
-}
-
-void TextSource::release() {
-    if (m_isSingle) {
-        if (m_next != m_begin) m_buffer->sbumpc();
-        m_isSingle = false;
-    } else if (m_next != m_begin) {
-        BufferBlock::advance(*m_buffer, static_cast<int>(m_next - m_begin));
-    }
-    m_begin = m_next = m_end = nullptr;
-}
-
-bool TextSource::refill() {
-    constexpr std::ptrdiff_t kLongestBlock = std::numeric_limits<int>::max();
-    release();
-    const int c = m_buffer->sgetc();
-    if (c == std::streambuf::traits_type::eof()) return false;
-    m_begin = m_next = BufferBlock::next(*m_buffer);
-    m_end = BufferBlock::end(*m_buffer);
-    if (m_next == m_end) {
-        m_isSingle = true;
-        m_single = static_cast<char>(c);
-        m_begin = m_next = &m_single;
-        m_end = m_begin + 1;
-    } else if (m_end - m_next > kLongestBlock) {
-        m_end = m_next + kLongestBlock;
-    }
-    return true;
-}
 
 KV_String toKVString(std::string_view text) {
     if (text.size() > std::numeric_limits<std::uint32_t>::max()) throw std::bad_alloc();
@@ -108,7 +75,7 @@ KV_String toKVString(std::string_view text) {
 TextLexer::TextLexer(std::istream &stream, char *buffer, std::size_t size)
     : m_stream(stream),
       m_source(stream),
-      m_text(buffer, size),
+      m_parts(buffer, size),
       m_atEnd(!std::istream::sentry(stream, true)) {}
 
 TextLexer::~TextLexer() {
@@ -131,7 +98,7 @@ bool TextLexer::next() {
         if (isTextClass(c, kTextEnd)) return endOfInput();
         if (!isTextClass(c, kTextDelimiter) && c != '/') {
             readWord();
-            classifyWord(m_text.view());
+            classifyWord(m_text);
             return true;
         }
         m_source.take();
@@ -160,8 +127,9 @@ bool TextLexer::next() {
         return true;
     default:  // ")", "{" and "}"
         m_kind = KV_PsNToken::PST_STRING;
-        m_text.clear();
-        m_text.append(static_cast<char>(c));
+        m_parts.clear();
+        m_parts.append(static_cast<char>(c));
+        m_text = m_parts.view();
         return true;
     }
 }
@@ -194,49 +162,80 @@ bool TextLexer::twice(int c) {
     return true;
 }
 
-/// Appends the bytes up to one of the classes to the text. That byte, or the end, is the result and is not
+/// Makes the bytes up to one of the classes the text, if the block holds them all and none is escaped. False,
+/// with nothing taken, otherwise.
+bool TextLexer::takeWhole(unsigned stop) {
+    const std::string_view block = m_source.block();
+    const std::size_t length = runLength(block, stop);
+    if (length == block.size() || block[length] == '\\') return false;
+    m_text = block.substr(0, length);
+    m_source.take(length);
+    return true;
+}
+
+/// Appends the bytes up to one of the classes to the parts. That byte, or the end, is the result and is not
 /// taken.
-int TextLexer::readRun(unsigned stop) {
+int TextLexer::takeRun(unsigned stop) {
     for (;;) {
         const int c = m_source.peek();
         if (isTextClass(c, stop)) return c;
         const std::string_view block = m_source.block();
         const std::size_t length = runLength(block, stop);
-        m_text.append(block.substr(0, length));
+        m_parts.append(block.substr(0, length));
         m_source.take(length);
     }
 }
 
 void TextLexer::readString() {
-    m_text.clear();
+    if (takeWhole(kTextStringStop)) return endString(m_source.peek());
+    m_parts.clear();
+    readStringParts();
+    m_text = m_parts.view();
+}
+
+void TextLexer::readStringParts() {
     for (;;) {
-        int c = readRun(kTextStringStop);
-        if (c == ')') return m_source.take();
-        if (c != '\\') return static_cast<void>(endOfInput());
+        int c = takeRun(kTextStringStop);
+        if (c != '\\') return endString(c);
         if (!readEscape(c)) return;
-        m_text.append(static_cast<char>(c));
+        m_parts.append(static_cast<char>(c));
     }
 }
 
+/// Takes what ends a string: its bracket, or the end of the input.
+void TextLexer::endString(int c) {
+    if (c == ')')
+        m_source.take();
+    else
+        endOfInput();
+}
+
 void TextLexer::readWord() {
-    m_text.clear();
+    if (takeWhole(kTextWordStop)) return endWord(m_source.peek());
+    m_parts.clear();
+    readWordParts();
+    m_text = m_parts.view();
+}
+
+void TextLexer::readWordParts() {
     for (;;) {
-        int c = readRun(kTextWordStop);
-        if (c != '\\') {
-            if (isTextClass(c, kTextEnd))
-                endOfInput();
-            else if (c == 0 || isTextClass(c, kTextSpace))
-                m_source.take();
-            return;
-        }
-        if (!readEscape(c)) return;
-        if (c == 0 || isTextClass(c, kTextSpace)) return;
+        int c = takeRun(kTextWordStop);
+        if (c != '\\') return endWord(c);
+        if (!readEscape(c) || c == 0 || isTextClass(c, kTextSpace)) return;
         if (isTextClass(c, kTextDelimiter)) {
             m_pending = c;
             return;
         }
-        m_text.append(static_cast<char>(c));
+        m_parts.append(static_cast<char>(c));
     }
+}
+
+/// Takes what ends a word, unless it is a delimiter that counts.
+void TextLexer::endWord(int c) {
+    if (isTextClass(c, kTextEnd))
+        endOfInput();
+    else if (c == 0 || isTextClass(c, kTextSpace))
+        m_source.take();
 }
 
 /// Takes a backslash and what it escapes, and gives the byte that is meant. False when the input ends there.
@@ -280,25 +279,16 @@ bool TextLexer::readShortNumber() {
                                          1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
     constexpr std::size_t kMaxDigits = 15;
     const std::string_view block = m_source.block();
-    const char *const end = block.data() + block.size();
     const char *next = block.data();
-    std::uint64_t digits = 0;  // wraps in a long run, which is not taken
-    const auto readDigits = [&next, &digits, end] {
-        const char *const begin = next;
-        for (; next != end; ++next) {
-            const unsigned digit = static_cast<unsigned char>(*next) - unsigned{'0'};
-            if (digit > 9) break;
-            digits = digits * 10 + digit;
-        }
-        return static_cast<std::size_t>(next - begin);
-    };
-    const bool negative = *next == '-';
+    const char *const end = next + block.size();
+    const bool negative = next != end && *next == '-';
     if (negative) ++next;
-    std::size_t count = readDigits(), decimals = 0;
+    std::uint64_t digits = 0;
+    std::size_t count = readDigits(next, end, digits), decimals = 0;
     const bool hasPoint = next != end && *next == '.';
     if (hasPoint) {
         ++next;
-        decimals = readDigits();
+        decimals = readDigits(next, end, digits);
         count += decimals;
     }
     if (count == 0 || count > kMaxDigits || next == end || !isTextClass(*next, kTextDelimiter)) return false;
@@ -338,7 +328,7 @@ bool findDictionary(TextLexer &lexer, const KV_String &name) {
             traceLine(kTraceDetail, "KV_FindDictionaryInText: found dictionary ", name);
             return true;
         }
-        named = read && lexer.kind() == KV_PsNToken::PST_IDENTIFIER && lexer.text().view() == wanted;
+        named = read && lexer.kind() == KV_PsNToken::PST_IDENTIFIER && lexer.text() == wanted;
     }
     return false;
 }
@@ -356,9 +346,9 @@ KV_PsNToken *KV_GetToken(std::istream &stream, char *buffer, std::size_t size) {
     case KV_PsNToken::PST_TYPE:
         return new KV_PsTypeToken(lexer.keyword());
     case KV_PsNToken::PST_STRING:
-        return new KV_PsStringToken(kv::detail::toKVString(lexer.text().view()));
+        return new KV_PsStringToken(kv::detail::toKVString(lexer.text()));
     case KV_PsNToken::PST_IDENTIFIER:
-        return new KV_PsIdentifierToken(kv::detail::toKVString(lexer.text().view()));
+        return new KV_PsIdentifierToken(kv::detail::toKVString(lexer.text()));
     default:
         return new KV_PsNToken(lexer.kind());
     }
