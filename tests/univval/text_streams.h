@@ -39,6 +39,25 @@ private:
     std::size_t m_next = 0;
 };
 
+// Hands a text out, and then throws what tear throws. Throws when it is written to, too.
+class TornBuffer : public std::streambuf {
+public:
+    TornBuffer(std::string text, void (*tear)()) : m_text(std::move(text)), m_tear(tear) {
+        setg(m_text.data(), m_text.data(), m_text.data() + m_text.size());
+    }
+
+protected:
+    int_type underflow() override {
+        m_tear();
+        return traits_type::eof();
+    }
+    int_type overflow(int_type) override { return underflow(); }
+
+private:
+    std::string m_text;
+    void (*m_tear)();
+};
+
 // What the exception of an action says, "none" without one.
 template <class Action>
 std::string failure(const Action &action) {

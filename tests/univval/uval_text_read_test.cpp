@@ -4,10 +4,12 @@
 #include <kvbase/univval/kv_uval_dict.h>
 #include <kvbase/univval/kv_uval_text.h>
 
+#include <functional>
 #include <istream>
 #include <locale>
 #include <memory>
 #include <sstream>
+#include <stdexcept>
 #include <string>
 
 #include "runtime/trace_capture.h"
@@ -16,6 +18,7 @@
 namespace {
 
 using Value = std::unique_ptr<KV_UVal>;
+using Token = std::unique_ptr<KV_PsNToken>;
 constexpr KV_UVal *kNoValue = nullptr;
 
 Value read(std::istream &stream, const char *name = "") {
@@ -127,6 +130,51 @@ TEST(UvalTextRead, FailsAsDocumented) {
             trace.Take().rfind(line + "*** ERROR *** : module KvBaseTrac : " + c.message + " KV_File", 0), 0U)
             << c.name;
     }
+}
+
+struct TornCase {
+    void (*tear)();
+    const char *failure;
+};
+const TornCase kTorn[] = {
+    {[] { throw std::runtime_error("torn"); }, "File exception: ReadError;   Detail: torn"},
+    {[] { throw KV_BinPackException(); }, "File exception: ReadError;   Detail: Binary Packing Error"},
+    {[] { throw KV_FileException("f", KV_FileException::LockError, 0, KV_HERE); },
+     "File exception: LockError;   Detail: f"},
+    {[] { throw 1; }, "File exception: ReadError;   Detail: unknown"},
+};
+
+TEST(UvalTextRead, AStreamThatThrowsIsAFailureOfReading) {
+    KV_UVal *value = nullptr;
+    KV_UValDict dict(16384);
+    const std::function<void(std::istream &)> readers[] = {
+        [&](std::istream &stream) { KV_ReadUValTxt(stream, value); },
+        [&](std::istream &stream) { KV_ReadUValTxt(stream, value, "b"); },
+        [](std::istream &stream) { KV_FindDictionaryInText(stream, "b"); },
+        [](std::istream &stream) {
+            while (Token(KV_GetToken(stream, nullptr, 0)) != nullptr)
+                continue;
+        },
+    };
+    for (const TornCase &c : kTorn) {
+        for (const std::ios::iostate mask : {std::ios::goodbit, std::ios::badbit}) {
+            for (const auto &reader : readers) {
+                TornBuffer buffer("<< /a [ 1 2", c.tear);
+                std::istream stream(&buffer);
+                stream.exceptions(mask);
+                EXPECT_EQ(failure([&] { reader(stream); }), c.failure);
+                EXPECT_TRUE(stream.bad()) << c.failure;
+            }
+        }
+        TornBuffer buffer("<< /a 1", c.tear);
+        std::istream stream(&buffer);
+        EXPECT_EQ(
+            failure([&] { dict.ReadTextFile(stream); }),
+            std::string("File exception: OpenRdError;   Detail: ReadTextFile failed because stream could "
+                        "not be read: ") +
+                c.failure);
+    }
+    EXPECT_EQ(value, kNoValue);
 }
 
 TEST(UvalTextRead, EveryTruncationFails) {

@@ -15,6 +15,7 @@
 #include <memory>
 #include <random>
 #include <sstream>
+#include <stdexcept>
 #include <string>
 
 #include "text_streams.h"
@@ -163,13 +164,43 @@ TEST(UvalTextWrite, FailuresAreTold) {
             failure([&] { dict.WriteTextFile(full); }),
             "File exception: WriteError;   Detail: WriteTextFile failed because file could not be written");
     }
-    PieceBuffer buffer("", 1);  // takes nothing
-    std::ostream silent(&buffer), loud(&buffer);
-    dict.WriteTextFile(silent);
-    EXPECT_TRUE(silent.bad());
-    loud.exceptions(std::ios::badbit);
-    EXPECT_EQ(failure([&] { dict.WriteTextFile(loud); }),
-              "File exception: OpenWrError;   Detail: WriteTextFile failed because stream is NOT open");
+}
+
+TEST(UvalTextWrite, FailingStreamsTurnBadAndThrowWhereTheyAreSetTo) {
+    KV_UValDict dict(16384);
+    fillSample(dict);
+    PieceBuffer full("", 1);  // takes nothing
+    TornBuffer torn("", [] { throw std::runtime_error("torn"); });
+    const std::string notOpen =
+        "File exception: OpenWrError;   Detail: WriteTextFile failed because stream is NOT open";
+    const auto thrown = [](const auto &write) -> std::string {
+        try {
+            return failure(write);
+        } catch (const std::ios::failure &) {
+            return "stream";
+        } catch (const std::runtime_error &e) {
+            return e.what();
+        }
+    };
+    struct {
+        std::streambuf &buffer;
+        std::ios::iostate mask;
+        std::string value, file;
+    } const cases[] = {
+        {full, std::ios::goodbit, "none", "none"},
+        {full, std::ios::badbit, "stream", notOpen},
+        {torn, std::ios::goodbit, "none", notOpen},
+        {torn, std::ios::badbit, "torn", notOpen},
+    };
+    for (const auto &c : cases) {
+        std::ostream value(&c.buffer), indent(&c.buffer), file(&c.buffer);
+        for (std::ostream *stream : {&value, &indent, &file})
+            stream->exceptions(c.mask);
+        EXPECT_EQ(thrown([&] { KV_WriteUValTxt(value, &dict, 0); }), c.value);
+        EXPECT_EQ(thrown([&] { KV_Indent(indent, 1); }), c.value);
+        EXPECT_EQ(thrown([&] { dict.WriteTextFile(file); }), c.file);
+        EXPECT_TRUE(value.bad() && indent.bad() && file.bad()) << c.value << ", " << c.file;
+    }
 }
 
 TEST(UvalTextWrite, DepthCostsNoStack) {

@@ -30,8 +30,10 @@ class KV_UVal;
 //
 // Any input at all gives a value or KV_FileException; neither reading nor writing recurses by the depth of a
 // value. Reading takes, besides what the value itself does and a few KiB, at most 8 times the size of the
-// text that it has read. The functions share no state but the tracer "KvBaseTrace"; reading looks at the
-// separator of paths.
+// text that it has read. Where a stream's buffer throws, the stream becomes bad and readers throw
+// KV_FileException: the buffer's own, or "ReadError" with the reason as its message. A stream with an
+// exception mask throws by that. The functions share no state but the tracer "KvBaseTrace"; reading looks at
+// the separator of paths.
 
 /// A token of the text form. Its own kind is all there is to a bracket; the classes below add what was read.
 class KV_EXPORT KV_PsNToken {
@@ -139,7 +141,8 @@ private:
 
 /// Reads a token. The caller owns it and releases it with delete. Null at the end of the input, which sets
 /// the stream's end-of-file state, and on a "<" or ">" that doesn't stand twice, which is then consumed.
-/// buffer  size bytes to work in; a longer token takes memory of its own. May be null with a size of 0.
+/// - buffer: size bytes to work in; a longer token takes memory of its own. May be null with a size of 0.
+///
 /// A word consumes the white space or zero byte that ends it, but no other delimiter. An octal escape that
 /// gives a delimiter ends a word, and the delimiter is put back on the stream in its place; where the stream
 /// can't take it, it is dropped. A word that looks like a number and doesn't read as one gives 0,
@@ -156,17 +159,17 @@ KV_EXPORT KV_PsNToken *KV_GetToken(std::istream &stream, char *buffer, std::size
 /// empty, or whose path runs through a value that is no dictionary, is dropped. A "<" or ">" that doesn't
 /// stand twice ends the input.
 ///
-/// Throws KV_FileException with "InvalidFile" on a text that is no value, after a line on the tracer. All
-/// that was read is released then.
+/// Throws KV_FileException with "InvalidFile" on a text that is no value, after a line on the tracer, and
+/// "ReadError" on a stream that can't be read on. All that was read is released then.
 KV_EXPORT std::istream &KV_ReadUValTxt(std::istream &stream, KV_UVal *&value);
 /// The same for the first dictionary of that name in the text, at any depth. With the empty name the text is
 /// read from where it stands. A name that isn't found is a failure as above.
 KV_EXPORT std::istream &KV_ReadUValTxt(std::istream &stream, KV_UVal *&value, KV_String name);
 
 /// Writes a value as 7-bit text, without a line end behind it. Returns the stream. A null value writes
-/// nothing, and entries with a null value are left out. indent  that of a dictionary's lines, in units of two
-/// blanks; other than 0 it begins on a new line. Entries of a
-///         dictionary stand one further in. Below 1 nothing is indented.
+/// nothing, and entries with a null value are left out.
+/// - indent: that of a dictionary's lines, in units of two blanks; other than 0 it begins on a new line.
+///   Entries of a dictionary stand one further in. Below 1 nothing is indented.
 ///
 /// Integers are decimal, signed: a KV_UValULong above 2147483647 is written as the negative number of the
 /// same bits. Floating numbers are written as the stream writes a double, with its precision and its locale,
@@ -175,10 +178,11 @@ KV_EXPORT std::istream &KV_ReadUValTxt(std::istream &stream, KV_UVal *&value, KV
 /// the reader takes for an escape; with a delimiter or a byte outside 32 to 126 in it, it is written as a
 /// text. The stream's field width does not apply.
 ///
-/// A failing stream ends the writing; its state tells.
+/// A failing stream ends the writing; its state tells. An exception on the way makes it bad, and is thrown on
+/// when the stream is set to throw in that state.
 KV_EXPORT std::ostream &KV_WriteUValTxt(std::ostream &stream, KV_UVal *value, int indent = 0);
 
-/// Writes n times two blanks; below 1 nothing. Returns the stream.
+/// Writes n times two blanks; below 1 nothing. Returns the stream. Fails as KV_WriteUValTxt does.
 KV_EXPORT std::ostream &KV_Indent(std::ostream &stream, int n);
 
 /// Looks for "/", the name and a "<<" directly behind it, at any depth. 1 when it is found: the stream then

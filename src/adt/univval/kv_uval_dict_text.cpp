@@ -1,6 +1,5 @@
 // The text files of dictionaries.
 
-#include <exception>
 #include <iostream>
 #include <locale>
 #include <memory>
@@ -11,9 +10,9 @@
 #include "kvbase/runtime/kv_file_spec.h"
 #include "kvbase/stream/kv_fstream.h"
 #include "kvbase/univval/kv_uval_dict.h"
-#include "kvbase/univval/kv_uval_text.h"
 #include "stream/file_streambuf.h"
-#include "text_parser.h"
+#include "stream_failure.h"
+#include "text_value.h"
 
 namespace {
 
@@ -46,23 +45,14 @@ void mergeInto(KV_UValDict &target, const Value &value) {
     kv::detail::DictAccess::mergeApart(*dict, target);  // MoveTo, of a tree that no other holds
 }
 
-/// The failure of reading a stream, for what reason ever.
-KV_FileException readFailure(const KV_String &reason) {
-    return {"ReadTextFile failed because stream could not be read: " + reason, KV_FileException::OpenRdError,
-            0, KV_HERE};
-}
-
 Value readStream(std::istream &stream, const KV_String &name) {
     try {
         imbueNumbers(stream);
         return kv::detail::readTextValue(stream, name);
-    } catch (const KV_Exception &e) {
-        KV_String reason;
-        throw readFailure(e.ToString(reason));
-    } catch (const std::exception &e) {
-        throw readFailure(e.what());
     } catch (...) {
-        throw readFailure("unknown");
+        const KV_String reason = kv::detail::currentReason();
+        throw KV_FileException("ReadTextFile failed because stream could not be read: " + reason,
+                               KV_FileException::OpenRdError, 0, KV_HERE);
     }
 }
 
@@ -92,7 +82,8 @@ void KV_UValDict::WriteTextFile(KV_FileSpec &file) {
     }
     kv::detail::FileStreambuf buffer(stream);
     std::ostream out(&buffer);
-    KV_WriteUValTxt(out, this, 0).flush();
+    kv::detail::writeTextValue(out, this, 0);
+    out.flush();
     const bool closed = stream.Close();
     if (!out || !closed) {
         throw KV_FileException("WriteTextFile failed because file could not be written",
@@ -103,8 +94,9 @@ void KV_UValDict::WriteTextFile(KV_FileSpec &file) {
 void KV_UValDict::WriteTextFile(std::ostream &stream) {
     try {
         imbueNumbers(stream);
-        KV_WriteUValTxt(stream, this, 0);
+        kv::detail::writeTextValue(stream, this, 0);
     } catch (...) {
+        kv::detail::setBad(stream);
         throw KV_FileException("WriteTextFile failed because stream is NOT open",
                                KV_FileException::OpenWrError, 0, KV_HERE);
     }

@@ -17,7 +17,8 @@ constexpr std::size_t kTokenBufferSize = 1024;
 /// A text as a string. Throws std::bad_alloc when it is longer than a string may be.
 KV_String toKVString(std::string_view text);
 
-/// Cuts the text form into tokens. Takes no more from the stream than the tokens need.
+/// Cuts the text form into tokens. Takes no more from the stream than the tokens need. Throws what TextSource
+/// throws.
 class TextLexer {
 public:
     /// The buffer is one to work in, for the text of a token; it may be null with a size of 0. The stream's
@@ -25,7 +26,8 @@ public:
     TextLexer(std::istream &stream, char *buffer, std::size_t size);
     TextLexer(const TextLexer &) = delete;
     TextLexer &operator=(const TextLexer &) = delete;
-    /// Offers a delimiter that is still to be read to the stream.
+    /// Offers a delimiter that is still to be read to the stream. A buffer that throws here leaves the stream
+    /// bad.
     ~TextLexer();
 
     /// Reads the next token. False at the end of the input and on a "<" or ">" that doesn't stand twice.

@@ -2,7 +2,8 @@
 
 #include <algorithm>
 #include <limits>
-#include <streambuf>
+
+#include "stream_failure.h"
 
 namespace kv::detail {
 
@@ -31,7 +32,7 @@ void TextSource::release() {
     m_begin = m_next = m_end = nullptr;
     if (taken == 0) return;
     if (m_isSingle)
-        m_stream.rdbuf()->sbumpc();
+        callBuffer(m_stream, [](std::streambuf &buffer) { return buffer.sbumpc(); });
     else
         BufferBlock::advance(*m_stream.rdbuf(), static_cast<int>(taken));
 }
@@ -39,7 +40,7 @@ void TextSource::release() {
 bool TextSource::refill() {
     constexpr std::ptrdiff_t kLongestBlock = std::numeric_limits<int>::max();
     release();
-    const int c = m_stream.rdbuf()->sgetc();
+    const int c = callBuffer(m_stream, [](std::streambuf &buffer) { return buffer.sgetc(); });
     if (c == std::streambuf::traits_type::eof()) return false;
     const std::streambuf &buffer = *m_stream.rdbuf();
     m_begin = m_next = BufferBlock::next(buffer);

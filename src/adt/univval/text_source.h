@@ -36,7 +36,7 @@ private:
 };
 
 /// Reads bytes straight from the block that a stream's buffer holds, and gives the buffer back what was not
-/// taken.
+/// taken. Where the buffer throws, the stream becomes bad, and a KV_FileException goes out (callBuffer).
 class TextSource {
 public:
     explicit TextSource(std::istream &stream) : m_stream(stream) {}

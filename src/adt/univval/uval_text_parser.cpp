@@ -1,6 +1,6 @@
 // The reader of the text form: a parser with a stack of tokens, so that depth costs a byte and no recursion.
 
-#include "text_parser.h"
+#include "text_value.h"
 
 #include <algorithm>
 #include <bit>

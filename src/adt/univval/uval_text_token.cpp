@@ -9,6 +9,7 @@
 #include "kvbase/univval/kv_uval_text.h"
 #include "runtime/fixed_decimal.h"
 #include "runtime/trace_line.h"
+#include "stream_failure.h"
 #include "text_chars.h"
 #include "text_keywords.h"
 #include "text_lexer.h"
@@ -82,8 +83,8 @@ TextLexer::~TextLexer() {
     try {
         m_source.release();
         if (m_pending != kNone) m_stream.rdbuf()->sputbackc(static_cast<char>(m_pending));
-    } catch (...) {  // what can't be put back is dropped
-        m_pending = kNone;
+    } catch (...) {
+        setBad(m_stream);
     }
 }
 
@@ -362,13 +363,13 @@ int KV_FindDictionaryInText(std::istream &stream, KV_String name) {
         if (!kv::detail::findDictionary(lexer, name)) return 0;
     }
     // Whoever reads on needs the brackets again.
-    std::streambuf &in = *stream.rdbuf();
     constexpr int kEnd = std::streambuf::traits_type::eof();
-    const bool stepped = in.sungetc() != kEnd;
-    if (stepped && in.sungetc() != kEnd) return 1;
-    const std::streamoff back = stepped ? -1 : -2;
-    if (in.pubseekoff(back, std::ios_base::cur, std::ios_base::in) == std::streampos(-1)) {
-        stream.setstate(std::ios_base::badbit);
-    }
+    const bool isBack = kv::detail::callBuffer(stream, [](std::streambuf &buffer) {
+        const bool stepped = buffer.sungetc() != kEnd;
+        if (stepped && buffer.sungetc() != kEnd) return true;
+        const std::streamoff back = stepped ? -1 : -2;
+        return buffer.pubseekoff(back, std::ios_base::cur, std::ios_base::in) != std::streampos(-1);
+    });
+    if (!isBack) stream.setstate(std::ios_base::badbit);
     return 1;
 }

@@ -14,8 +14,10 @@
 #include "kvbase/univval/kv_uval_text.h"
 #include "number_cast.h"
 #include "runtime/fixed_decimal.h"
+#include "stream_failure.h"
 #include "text_chars.h"
 #include "text_keywords.h"
+#include "text_value.h"
 
 namespace kv::detail {
 
@@ -350,22 +352,43 @@ void TextWriter::putLeaf(KV_UVal &value) {
 
 }  // namespace
 
+void writeTextValue(std::ostream &stream, KV_UVal *value, int indent) {
+    if (value == nullptr) return;
+    const std::ostream::sentry ready(stream);
+    if (!ready) return;
+    stream.width(0);
+    TextWriter(stream).write(*value, indent);
+}
+
 }  // namespace kv::detail
 
-std::ostream &KV_WriteUValTxt(std::ostream &stream, KV_UVal *value, int indent) {
-    if (value == nullptr) return stream;
-    const std::ostream::sentry ready(stream);
-    if (!ready) return stream;
-    stream.width(0);
-    kv::detail::TextWriter(stream).write(*value, indent);
+namespace {
+
+/// Does as the standard's functions of output: an exception makes the stream bad, and passes on where the
+/// stream is to throw in that state.
+template <class Output>
+std::ostream &putOut(std::ostream &stream, const Output &output) {
+    try {
+        output();
+    } catch (...) {
+        kv::detail::setBad(stream);
+        if ((stream.exceptions() & std::ios_base::badbit) != 0) throw;
+    }
     return stream;
 }
 
+}  // namespace
+
+std::ostream &KV_WriteUValTxt(std::ostream &stream, KV_UVal *value, int indent) {
+    return putOut(stream, [&] { kv::detail::writeTextValue(stream, value, indent); });
+}
+
 std::ostream &KV_Indent(std::ostream &stream, int n) {
-    const std::ostream::sentry ready(stream);
-    if (!ready) return stream;
-    kv::detail::TextSink sink(stream);
-    sink.putBlanks(2 * std::int64_t{n});
-    sink.flush();
-    return stream;
+    return putOut(stream, [&] {
+        const std::ostream::sentry ready(stream);
+        if (!ready) return;
+        kv::detail::TextSink sink(stream);
+        sink.putBlanks(2 * std::int64_t{n});
+        sink.flush();
+    });
 }
