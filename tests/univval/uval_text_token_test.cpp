@@ -67,6 +67,7 @@ const TokenCase kCases[] = {
     {"brackets", "<<>>[]", "kind3|kind4|kind5|kind6|"},
     {"delimiters that are texts", "){}", "s:)|s:{|s:}|"},
     {"lone angle brackets", "<a > >>", "null|s:a|null|kind4|"},
+    {"lone angle bracket at the end", "a <", "s:a|"},
     {"white space is these four", " \t\r\n\v 1\f", "s:\v|f:1|"},
     {"words end at delimiters only", "abc/def a%b{c", "s:abc/def|s:a%b|s:{|s:c|"},
     {"comments", "%one\n1%x\r\n 2 % three", "f:1|i:2|"},

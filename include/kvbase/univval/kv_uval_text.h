@@ -140,7 +140,8 @@ private:
 };
 
 /// Reads a token. The caller owns it and releases it with delete. Null at the end of the input, which sets
-/// the stream's end-of-file state, and on a "<" or ">" that doesn't stand twice, which is then consumed.
+/// the stream's end-of-file state, and on a "<" or ">" that doesn't stand twice, which is then consumed; as
+/// the last character of the input it sets that state, too.
 /// - buffer: size bytes to work in; a longer token takes memory of its own. May be null with a size of 0.
 ///
 /// A word consumes the white space or zero byte that ends it, but no other delimiter. An octal escape that

@@ -158,7 +158,9 @@ int TextLexer::skipToToken() {
 
 /// Takes the second of two equal brackets, if it is there.
 bool TextLexer::twice(int c) {
-    if (m_source.peek() != c) return false;
+    const int next = m_source.peek();
+    if (isTextClass(next, kTextEnd)) return endOfInput();
+    if (next != c) return false;
     m_source.take();
     return true;
 }
