@@ -143,14 +143,16 @@ TEST(UvalTextWrite, DoublesGoOutAsTheStreamWritesThem) {
     }
 }
 
-TEST(UvalTextWrite, StreamFormBringsItsDecimalPoint) {
+TEST(UvalTextWrite, FilesHaveADecimalPointInEveryLocale) {
     KV_UValDict dict(16384);
     dict.DefineUVal("a", KV_UVAL_DOUBLE, 0, nullptr)->SetDoubleValue(1234567.5, 0);
+    const std::locale former = std::locale::global(std::locale(std::locale::classic(), new Comma));
     std::ostringstream out;
-    out.imbue(std::locale(std::locale::classic(), new Comma));
     out << std::setw(20) << std::hex;
     dict.WriteTextFile(out);
     EXPECT_EQ(out.str(), "<<\n/a 1234567.500000\n>>");
+    EXPECT_EQ(writtenFile(dict), out.str());
+    std::locale::global(former);
 }
 
 TEST(UvalTextWrite, FailuresAreTold) {

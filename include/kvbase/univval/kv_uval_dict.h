@@ -187,8 +187,8 @@ public:
     void ReadTextFile(std::istream &stream, KV_String name = KV_String());
     /// Writes this dictionary in text form. Throws KV_FileException: "OpenWrError" when the file doesn't open
     /// or, in the stream form, on any exception on the way; "WriteError" when the file can't be written
-    /// whole. The stream form leaves the stream with a locale whose decimal point is ".", and bad after an
-    /// exception; the file form takes the global one.
+    /// whole. The decimal point is "." whatever the global locale; the stream form leaves the stream with a
+    /// locale that has it, and bad after an exception.
     void WriteTextFile(KV_FileSpec &file);
     void WriteTextFile(std::ostream &stream);
 

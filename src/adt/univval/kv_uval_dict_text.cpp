@@ -82,6 +82,7 @@ void KV_UValDict::WriteTextFile(KV_FileSpec &file) {
     }
     kv::detail::FileStreambuf buffer(stream);
     std::ostream out(&buffer);
+    out.imbue(std::locale::classic());  // not the global one, whose decimal point may be a comma
     kv::detail::writeTextValue(out, this, 0);
     out.flush();
     const bool closed = stream.Close();
