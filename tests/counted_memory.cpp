@@ -1,20 +1,33 @@
 #include "counted_memory.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <new>
 
 namespace {
-std::size_t g_taken = 0;
+constexpr std::size_t kHeader = alignof(std::max_align_t);  // holds the size of a block
 }
 
-std::size_t memoryTaken() { return g_taken; }
+thread_local Heap heap;
 
 // In a file of their own, so that no compiler looks through them and complains of malloc and delete.
 void *operator new(std::size_t size) {
-    g_taken += size;
-    void *block = std::malloc(size != 0 ? size : 1);
+    void *block = heap.allowed == 0 ? nullptr : std::malloc(kHeader + size);
     if (block == nullptr) throw std::bad_alloc();
-    return block;
+    if (heap.allowed > 0) --heap.allowed;
+    ++heap.allocated;
+    ++heap.live;
+    heap.taken += size;
+    heap.bytes += size;
+    heap.peak = std::max(heap.peak, heap.bytes);
+    *static_cast<std::size_t *>(block) = size;
+    return static_cast<char *>(block) + kHeader;
 }
-void operator delete(void *block) noexcept { std::free(block); }
-void operator delete(void *block, std::size_t) noexcept { std::free(block); }
+void operator delete(void *block) noexcept {
+    if (block == nullptr) return;
+    void *begin = static_cast<char *>(block) - kHeader;
+    heap.bytes -= *static_cast<std::size_t *>(begin);
+    --heap.live;
+    std::free(begin);
+}
+void operator delete(void *block, std::size_t) noexcept { operator delete(block); }

@@ -2,7 +2,12 @@
 
 #include <cstddef>
 
-// How many bytes the program has ever taken by operator new, released or not. For programs that link
-// counted_memory.cpp and work on one thread; what a shared library takes counts where the system lets a
-// program replace operator new for it, so link the library's objects.
-std::size_t memoryTaken();
+// What a thread takes by operator new, for programs that link counted_memory.cpp. Link the library's objects,
+// too: not every system lets a program replace operator new for a shared library.
+struct Heap {
+    long allocated = 0, live = 0;     // blocks ever taken, and of them those not released
+    std::size_t taken = 0;            // bytes ever taken
+    std::size_t bytes = 0, peak = 0;  // bytes not released, and the most of them
+    long allowed = -1;                // blocks until the next failure; -1 for ever
+};
+extern thread_local Heap heap;

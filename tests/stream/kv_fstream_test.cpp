@@ -130,8 +130,8 @@ TEST_F(FStream, TextHasTheSystemsLineEnds) {
     EXPECT_TRUE(bytes.ReadFile(stored, false));
     EXPECT_EQ(stored, kOnWindows ? "a\r\nb\r\n" : "a\nb\n");
     ASSERT_TRUE(text.Open("r", true));
-    EXPECT_TRUE(text.ReadFile(stored, false));
-    EXPECT_EQ(stored, "a\nb\n");
+    char line[8];
+    EXPECT_STREQ(text.Gets(line, sizeof line), "a\n");
 }
 
 #if !defined(_WIN32)

@@ -373,15 +373,16 @@ TEST(BinaryForm, FilesOfEitherFormAreRead) {
         EXPECT_EQ(failure([&] { read.ReadFile(file); }), c.failure) << c.name;
         EXPECT_EQ(printed(read), c.printed) << c.name;
     }
-    KV_FileSpec missing("no\\such\\file"), full("\\dev\\full");
+    KV_FileSpec missing("no\\such\\file");
     EXPECT_EQ(failure([&] { dict.ReadFile(missing); }),
               "File exception: OpenRdError;   Detail: ReadBinFile could not open file for read");
     EXPECT_EQ(failure([&] { dict.WriteBinFile(missing); }),
               "File exception: OpenWrError;   Detail: WriteBinFile could not open file for write");
-    if (full.FileExists()) {
-        EXPECT_EQ(failure([&] { dict.WriteBinFile(full); }),
-                  "File exception: WriteError;   Detail: WriteBinFile could not write the complete file");
-    }
+#if !defined(_WIN32)  // which has no device that is always full
+    KV_FileSpec full("\\dev\\full");
+    EXPECT_EQ(failure([&] { dict.WriteBinFile(full); }),
+              "File exception: WriteError;   Detail: WriteBinFile could not write the complete file");
+#endif
 }
 
 TEST(BinaryForm, PackersAreUsedAnew) {

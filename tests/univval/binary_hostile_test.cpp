@@ -205,9 +205,9 @@ TEST(BinaryHostile, MemoryFollowsTheSizeOfTheFile) {
     for (const auto &c : cases) {
         KV_UValDict dict(16384);
         KV_SStream stream(c.bytes.data(), static_cast<std::uint32_t>(c.bytes.size()));
-        const std::size_t before = memoryTaken();
+        const std::size_t before = heap.taken;
         const std::string result = failure([&] { dict.ReadBinFromStream(&stream); });
-        EXPECT_LE(memoryTaken() - before, c.times * c.bytes.size() + 10000) << c.name << ": " << result;
+        EXPECT_LE(heap.taken - before, c.times * c.bytes.size() + 10000) << c.name << ": " << result;
     }
 }
 

@@ -1,5 +1,4 @@
-// What the values take from the allocator. The library's objects are linked in, so that its memory goes
-// through the operators below on every system.
+// What the values take from the allocator.
 
 #include <gtest/gtest.h>
 #include <kvbase/runtime/kv_exception.h>
@@ -9,7 +8,6 @@
 #include <algorithm>
 #include <cctype>
 #include <cstddef>
-#include <cstdlib>
 #include <functional>
 #include <istream>
 #include <memory>
@@ -17,40 +15,9 @@
 #include <string>
 #include <utility>
 
+#include "counted_memory.h"
 #include "filled_dict.h"
 #include "text_streams.h"
-
-namespace {
-
-struct Heap {
-    long allocated = 0, live = 0;     // blocks
-    std::size_t bytes = 0, peak = 0;  // of the live ones, and the most of them
-    long allowed = -1;                // blocks until the next failure; -1 for ever
-};
-thread_local Heap heap;
-constexpr std::size_t kHeader = alignof(std::max_align_t);  // holds the size of a block
-
-}  // namespace
-
-void *operator new(std::size_t size) {
-    void *block = heap.allowed == 0 ? nullptr : std::malloc(kHeader + size);
-    if (block == nullptr) throw std::bad_alloc();
-    if (heap.allowed > 0) --heap.allowed;
-    ++heap.allocated;
-    ++heap.live;
-    heap.bytes += size;
-    heap.peak = std::max(heap.peak, heap.bytes);
-    *static_cast<std::size_t *>(block) = size;
-    return static_cast<char *>(block) + kHeader;
-}
-void operator delete(void *block) noexcept {
-    if (block == nullptr) return;
-    void *begin = static_cast<char *>(block) - kHeader;
-    heap.bytes -= *static_cast<std::size_t *>(begin);
-    --heap.live;
-    std::free(begin);
-}
-void operator delete(void *block, std::size_t) noexcept { operator delete(block); }
 
 namespace {
 

@@ -65,6 +65,8 @@ TEST(UValDict, DefinesWhereThereIsAPlace) {
     EXPECT_EQ(dict.DefineUVal("c", static_cast<KV_UValType>(13), 0, nullptr), nullptr);
     EXPECT_EQ(dict.SetUVal("d", &dict), nullptr);
     EXPECT_EQ(dictAt(dict, "a")->SetUVal("d", &dict), nullptr);
+    EXPECT_EQ(dict.SetUVal("a:x", dict.GetUVal("a")), nullptr);
+    EXPECT_EQ(dict.SetUVal("a:x:y", dict.GetUVal("a")), nullptr);
     KV_UVal *same = dict.GetUVal("a:b");
     EXPECT_EQ(dict.SetUVal("a:b", same), same);
     EXPECT_EQ(flat(dict), "a:b=1");

@@ -73,8 +73,8 @@ public:
     KV_UValDict *DefineUValDict(const KV_DictPath &path);
     /// Stores value at path, makes the dictionaries on the way, also in an entry with a null value, and
     /// deletes the value that stood there, unless it is the same. Returns value. When path has no place for
-    /// it (it runs through a value that is no dictionary, or has no keys), or value is this dictionary or one
-    /// around it, the result is null, nothing is changed and value stays the caller's. It stays the caller's,
+    /// it (it runs through a value that is no dictionary, or has no keys), or value is this dictionary, one
+    /// around it or one on the way, the result is null, nothing is changed and value stays the caller's. It stays the caller's,
     /// too, when memory runs out.
     KV_UVal *SetUVal(const KV_DictPath &path, KV_UVal *value);
     /// Deletes all values.
@@ -224,7 +224,8 @@ private:
     friend class kv::detail::DictMove;
 
     const Map::value_type *FindUValPath(const KV_DictPath &path) const;
-    Map::iterator FindUValPathIterator(const KV_DictPath &path, bool create, Map *&container);
+    Map::iterator FindUValPathIterator(const KV_DictPath &path, bool create, Map *&container,
+                                       const KV_UValDict *shut = nullptr);
     Map::iterator IteratorAt(const char *key);
 
     Pair m_miss;  // stands for a missing entry; its value chains dictionaries while Clear or a move works

@@ -39,10 +39,13 @@ std::unique_ptr<KV_UVal> makeLeaf(KV_UValType type, std::int32_t dimension, void
 
 /// The inner way into a dictionary, for the readers of value files.
 struct DictAccess {
-    /// Stores value, which is new and may be null, at the path that key is as text, and deletes the value
-    /// that stood there. What finds no place is released. The fastest order of calls is that of ascending
-    /// keys.
-    static void put(KV_UValDict &dict, std::string_view key, std::unique_ptr<KV_UVal> value);
+    /// Stores value at this level under the key as it stands, and deletes the value that stood there. The
+    /// value is new and may be null. The fastest order of calls is that of ascending keys.
+    static void put(KV_UValDict &dict, std::string &&key, std::unique_ptr<KV_UVal> value);
+    /// The same at the path that a text is, up to its first zero when the separator is in it. Gives back the
+    /// value that finds no place: the path is empty or runs through a value that is no dictionary.
+    static std::unique_ptr<KV_UVal> putAtPath(KV_UValDict &dict, std::string_view path,
+                                              std::unique_ptr<KV_UVal> value);
 
     /// Moves all entries of from into target, merging as MoveTo does. target must not lie within from: nobody
     /// looks.

@@ -103,9 +103,9 @@ const KV_UValDict::Map::value_type *KV_UValDict::FindUValPath(const KV_DictPath 
 
 // The entry at path and the map in which it stands; that map's end when there is none. With create the entry,
 // with a null value, and the dictionaries on the way are made, unless the path runs through a value that is
-// no dictionary.
+// no dictionary, or through the one that is shut.
 KV_UValDict::Map::iterator KV_UValDict::FindUValPathIterator(const KV_DictPath &path, bool create,
-                                                             Map *&container) {
+                                                             Map *&container, const KV_UValDict *shut) {
     container = &m_map;
     const char *key = path.NextKey(nullptr);
     for (int left = path.Size(); left > 0; --left) {
@@ -118,7 +118,7 @@ KV_UValDict::Map::iterator KV_UValDict::FindUValPathIterator(const KV_DictPath &
         if (left == 1) return entry;
         if (entry->second == nullptr && create) entry->second = new KV_UValDict(kCapacity);
         KV_UValDict *dict = asDict(entry->second);
-        if (dict == nullptr) break;
+        if (dict == nullptr || dict == shut) break;
         container = &dict->m_map;
         key += name.size() + 1;
     }
@@ -153,7 +153,7 @@ KV_UVal *KV_UValDict::SetUVal(const KV_DictPath &path, KV_UVal *value) {
     KV_UValDict *dict = asDict(value);
     if (dict != nullptr && DictAccess::holds(*dict, *this)) return nullptr;
     Map *level = nullptr;
-    const auto entry = FindUValPathIterator(path, true, level);
+    const auto entry = FindUValPathIterator(path, true, level, dict);
     if (entry == level->end()) return nullptr;
     if (entry->second != value) delete std::exchange(entry->second, value);
     return value;
@@ -172,15 +172,21 @@ void KV_UValDict::RemoveUVal(const KV_DictPath &path) {
     level->erase(entry);
 }
 
-void DictAccess::put(KV_UValDict &dict, std::string_view key, std::unique_ptr<KV_UVal> value) {
-    if (key.empty()) return;
+void DictAccess::put(KV_UValDict &dict, std::string &&key, std::unique_ptr<KV_UVal> value) {
+    KV_UVal *&place = dict.m_map.try_emplace(dict.m_map.end(), std::move(key), nullptr)->second;
+    const std::unique_ptr<KV_UVal> former(std::exchange(place, value.release()));
+}
+
+std::unique_ptr<KV_UVal> DictAccess::putAtPath(KV_UValDict &dict, std::string_view path,
+                                               std::unique_ptr<KV_UVal> value) {
     KV_UValDict::Map *level = &dict.m_map;
-    KV_UValDict::Map::iterator entry;
-    if (key.find(KV_DictPath::GetSeparator()) == key.npos) {
-        entry = level->emplace_hint(level->end(), key, nullptr);
-    } else {
-        entry = dict.FindUValPathIterator(KV_DictPath(std::string(key).c_str()), true, level);
-        if (entry == level->end()) return;
+    auto entry = level->end();
+    if (path.find(KV_DictPath::GetSeparator()) != path.npos) {
+        entry = dict.FindUValPathIterator(KV_DictPath(std::string(path).c_str()), true, level);
+    } else if (!path.empty()) {
+        entry = level->emplace_hint(level->end(), path, nullptr);
     }
+    if (entry == level->end()) return value;
     const std::unique_ptr<KV_UVal> former(std::exchange(entry->second, value.release()));
+    return nullptr;
 }

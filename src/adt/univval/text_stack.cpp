@@ -13,7 +13,7 @@ std::size_t TokenStack::find(Mark bracket) const {
 void TokenStack::pushPaired(std::unique_ptr<KV_UVal> value) {
     const bool isFirst = at(size() - 2) == kDictBegin;
     if (isFirst) append(m_dicts, std::make_unique<KV_UValDict>(16384U));
-    DictAccess::put(*m_dicts.back(), popText(), std::move(value));
+    DictAccess::putAtPath(*m_dicts.back(), popText(), std::move(value));  // what finds no place is dropped
     m_marks.back() = isFirst ? kFirstPair : kPaired;
     push(kPaired);
 }

@@ -93,12 +93,10 @@ void setText(KV_UVal &value, std::int32_t index, std::string_view text) {
 /// Stores a value in a dictionary under its key; gives it back when there is no place for it. A null value is
 /// stored, too.
 std::unique_ptr<KV_UVal> storeUnder(KV_UValDict &dict, std::string &&key, std::unique_ptr<KV_UVal> value) {
-    if (key.find(KV_DictPath::GetSeparator()) == key.npos) {
-        DictAccess::put(dict, std::move(key), std::move(value));
-        return nullptr;
-    }
-    if (dict.SetUVal(KV_DictPath(key.c_str()), value.get()) != nullptr) (void)value.release();
-    return value;
+    if (key.find(KV_DictPath::GetSeparator()) != key.npos)
+        return DictAccess::putAtPath(dict, key, std::move(value));
+    DictAccess::put(dict, std::move(key), std::move(value));
+    return nullptr;
 }
 
 }  // namespace
