@@ -2,11 +2,13 @@
 
 #include <gtest/gtest.h>
 #include <kvbase/runtime/kv_exception.h>
+#include <kvbase/univval/kv_uval.h>
 
 #include <algorithm>
 #include <cstddef>
 #include <fstream>
 #include <iterator>
+#include <sstream>
 #include <streambuf>
 #include <string>
 #include <utility>
@@ -68,6 +70,13 @@ std::string failure(const Action &action) {
         return e.ToString(text).Ptr();
     }
     return "none";
+}
+
+// The value in the form for people, which shows type, dimension and content.
+inline std::string printed(KV_UVal &value) {
+    std::ostringstream out;
+    out << value;
+    return out.str();
 }
 
 inline std::string sampleText() {

@@ -2,12 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <cctype>
-#include <cstdlib>
-#include <functional>
 #include <memory>
-#include <new>
 #include <random>
 #include <sstream>
 #include <string>

@@ -14,6 +14,7 @@
 #include "kvbase/text/kv_system_string.h"
 #include "kvbase/univval/kv_uval_dict.h"
 #include "kvbase/univval/kv_uval_leaf.h"
+#include "text_streams.h"
 
 namespace {
 
@@ -25,12 +26,6 @@ std::unique_ptr<KV_UVal> makeValue(KV_UValType type, std::int32_t dimension = 0,
     KV_UVal *value = dict.DefineUVal("v", type, dimension, data);
     dict.GetValuePtr()->clear();  // takes the value out
     return std::unique_ptr<KV_UVal>(value);
-}
-
-std::string printed(KV_UVal &value) {
-    std::ostringstream stream;
-    stream << value;
-    return stream.str();
 }
 
 std::string text(KV_UVal &value, std::int32_t index = 0) {

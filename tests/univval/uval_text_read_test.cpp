@@ -6,7 +6,6 @@
 
 #include <functional>
 #include <istream>
-#include <locale>
 #include <memory>
 #include <sstream>
 #include <stdexcept>
@@ -30,13 +29,6 @@ Value read(std::istream &stream, const char *name = "") {
 Value read(const std::string &text, const char *name = "") {
     std::istringstream stream(text);
     return read(stream, name);
-}
-
-// The value in the form for people, which shows type, dimension and content.
-std::string printed(KV_UVal &value) {
-    std::ostringstream out;
-    value.PrintOn(out);
-    return out.str();
 }
 
 struct ReadCase {
@@ -184,42 +176,29 @@ TEST(UvalTextRead, EveryTruncationFails) {
     }
 }
 
-TEST(UvalTextRead, ReadsTheSample) {
-    KV_UValDict dict(16384);
-    KV_FileSpec file = KV_FileSpecFromNative(KVBASE_TEST_DATA "/values/sample.txt");
-    dict.ReadTextFile(file);
-    EXPECT_EQ(printed(dict),
-              "    |- count => (Long)3\n    |- gamma => (Double)2.2\n    |- name => (String)Sample (one)\n"
-              "    |- nested\n    |    |- flag => (UChar)1\n    |- points => (Double#2) {1.5,2.5,}\n"
-              "    |- title => (UTFString)caf[e9]\n");
-    EXPECT_STREQ(dict.GetValue("title", "", 0), "caf\303\251");
-}
-
 TEST(UvalTextRead, FindsADictionaryByName) {
     const std::string text = "a < b (/x <<) /x 1 /x\\074< << /y << /x /x<< /a 7 >> >> >> /x << >>";
+    const std::string found = "    |- a => (Long)7\n";
     TraceCapture trace(0x11);
     std::istringstream stream(text);
     EXPECT_EQ(KV_FindDictionaryInText(stream, "x"), 1);
     EXPECT_EQ(trace.Take(), "module KvBaseTrac : KV_FindDictionaryInText: found dictionary x\n");
     EXPECT_EQ(stream.tellg(), static_cast<std::streamoff>(text.find("<< /a")));
-    EXPECT_EQ(printed(*read(stream)), "    |- a => (Long)7\n");
-    EXPECT_EQ(printed(*read(text, "x")), "    |- a => (Long)7\n");
+    EXPECT_EQ(printed(*read(stream)), found);
     EXPECT_EQ(KV_FindDictionaryInText(stream, "z"), 0);
     EXPECT_TRUE(stream.eof() && !stream.bad());
     trace.Take();
     EXPECT_THROW(read(text, "z"), KV_FileException);
-    EXPECT_EQ(
-        trace.Take().rfind("*** ERROR *** : module KvBaseTrac : Dictionary z not found\n"
-                           "*** ERROR *** : module KvBaseTrac : KV_ReadUValTxt coulsd not find file KV_File",
-                           0),
-        0U);
-    PieceBuffer buffer(text, 1);
-    std::istream pieces(&buffer);
+    const std::string lines =
+        "*** ERROR *** : module KvBaseTrac : Dictionary z not found\n"
+        "*** ERROR *** : module KvBaseTrac : KV_ReadUValTxt coulsd not find file KV_File";
+    EXPECT_EQ(trace.Take().rfind(lines, 0), 0U);
+    EXPECT_EQ(printed(*read(text, "x")), found);
+    PieceBuffer buffer(text, 1), again(text, 1);
+    std::istream pieces(&buffer), named(&again);
     EXPECT_EQ(KV_FindDictionaryInText(pieces, "x"), 1);
     EXPECT_TRUE(pieces.bad()) << "it cannot go back";
-    PieceBuffer again(text, 1);
-    std::istream morePieces(&again);
-    EXPECT_EQ(printed(*read(morePieces, "x")), "    |- a => (Long)7\n");
+    EXPECT_EQ(printed(*read(named, "x")), found);
 }
 
 TEST(UvalTextRead, MergesAndStaysAsItWasOnFailure) {
@@ -252,16 +231,6 @@ TEST(UvalTextRead, MergesAndStaysAsItWasOnFailure) {
     EXPECT_EQ(failure([&] { dict.ReadTextFile(missing); }),
               "File exception: OpenRdError;   Detail: no\\such\\file");
     EXPECT_EQ(printed(dict), merged);
-}
-
-TEST(UvalTextRead, NumbersDoNotDependOnTheLocale) {
-    std::istringstream stream("<< /a 1.5 >>");
-    stream.imbue(std::locale(std::locale::classic(), new Comma));
-    KV_UValDict dict(16384);
-    dict.DefineUValDict("d")->ReadTextFile(stream);
-    EXPECT_EQ(dict.GetValue("d:a", 0.0, 0), 1.5);
-    const auto &point = std::use_facet<std::numpunct<char>>(stream.getloc());
-    EXPECT_TRUE(point.decimal_point() == '.' && point.thousands_sep() == '\0');
 }
 
 TEST(UvalTextRead, DepthCostsNeitherStackNorTime) {

@@ -47,9 +47,12 @@ void fillSample(KV_UValDict &dict) {
     dict.DefineUVal("title", KV_UVAL_UTFSTRING, 0, nullptr)->SetStrValue("caf\303\251", 0);
 }
 
-TEST(UvalTextWrite, WritesTheSampleByteForByte) {
-    KV_UValDict dict(16384);
+TEST(UvalTextWrite, WritesTheSampleByteForByteAndReadsIt) {
+    KV_UValDict dict(16384), back(16384);
     fillSample(dict);
+    KV_FileSpec sample = KV_FileSpecFromNative(KVBASE_TEST_DATA "/values/sample.txt");
+    back.ReadTextFile(sample);
+    EXPECT_EQ(printed(back), printed(dict));
     std::ostringstream out;
     dict.WriteTextFile(out);
     EXPECT_EQ(out.str(), sampleText());
@@ -141,14 +144,19 @@ TEST(UvalTextWrite, DoublesGoOutAsTheStreamWritesThem) {
 }
 
 TEST(UvalTextWrite, FilesHaveADecimalPointInEveryLocale) {
-    KV_UValDict dict(16384);
+    KV_UValDict dict(16384), back(16384);
     dict.DefineUVal("a", KV_UVAL_DOUBLE, 0, nullptr)->SetDoubleValue(1234567.5, 0);
     const std::locale former = std::locale::global(std::locale(std::locale::classic(), new Comma));
-    std::ostringstream out;
-    out << std::setw(20) << std::hex;
-    dict.WriteTextFile(out);
-    EXPECT_EQ(out.str(), "<<\n/a 1234567.500000\n>>");
-    EXPECT_EQ(writtenFile(dict), out.str());
+    std::stringstream stream;
+    stream << std::setw(20) << std::hex;
+    dict.WriteTextFile(stream);
+    EXPECT_EQ(stream.str(), "<<\n/a 1234567.500000\n>>");
+    EXPECT_EQ(writtenFile(dict), stream.str());
+    stream.imbue(std::locale());
+    back.ReadTextFile(stream);
+    EXPECT_EQ(back.GetValue("a", 0.0, 0), 1234567.5);
+    const auto &point = std::use_facet<std::numpunct<char>>(stream.getloc());
+    EXPECT_TRUE(point.decimal_point() == '.' && point.thousands_sep() == '\0');
     std::locale::global(former);
 }
 
