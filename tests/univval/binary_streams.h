@@ -65,12 +65,6 @@ inline void readBinary(KV_UValDict &dict, const std::string &bytes) {
     dict.ReadBinFromStream(&stream);
 }
 
-inline std::string printed(KV_UVal &value) {
-    std::ostringstream out;
-    value.PrintOn(out);
-    return out.str();
-}
-
 // All bytes of a layer, put into one block of that size after the other, each in memory of its own.
 template <class Layer>
 std::string putInBlocks(Layer &layer, std::size_t size) {
