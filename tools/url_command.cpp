@@ -31,7 +31,7 @@ std::string urlOf(const std::string &path) {
 }
 
 std::string pathOf(const std::string &text) {
-    const std::string path = nativePath(KV_URL(KV_String(text.c_str())));
+    std::string path = nativePath(KV_URL(KV_String(text.c_str())));
     if (text.rfind("file:", 0) != 0 || path.empty()) throw BadInput(text, "is no URL of a file");
     return path;
 }

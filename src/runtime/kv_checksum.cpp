@@ -4,7 +4,6 @@
 #include <cstddef>
 #include <cstring>
 #include <istream>
-#include <iterator>
 #include <ostream>
 
 namespace {
@@ -43,7 +42,7 @@ void KV_CheckSum::GetSum(unsigned char *out) const { std::memcpy(out, m_bytes, k
 
 void KV_CheckSum::SetSize(const std::uint32_t & /*size*/) {}
 
-void KV_CheckSum::Reset() { std::fill(std::begin(m_bytes), std::end(m_bytes), static_cast<unsigned char>(0)); }
+void KV_CheckSum::Reset() { std::memset(m_bytes, 0, kSize); }
 
 void KV_CheckSum::FromString(const std::string &text) {
     Reset();

@@ -21,18 +21,12 @@ namespace {
 using kv::detail::kTraceDetail;
 using kv::detail::traceLine;
 
-void setEnvironment([[maybe_unused]] const char *name, [[maybe_unused]] const std::string &value) {
-#if !defined(_WIN32)
-    setenv(name, value.c_str(), 1);
-#endif
-}
-
-// The library's own lines go to the trace stream, and what comes out at the standard output is caught.
-// On POSIX the user's folder is a temporary one; on Windows the registry tells it, so the files are removed.
+// The library's own lines go to the trace stream, and the standard output is caught. On POSIX the user's
+// folder is a temporary one; on Windows the registry tells it, so the files are removed.
 class TraceFile : public ::testing::Test {
 protected:
     TraceFile() {
-        setEnvironment("APPDATA", m_folder.native());
+        setVariable("APPDATA", m_folder.native());
         KV_Tracer::SetTracing("KvBaseTrace", kTraceDetail);
     }
     ~TraceFile() override {
@@ -43,15 +37,18 @@ protected:
             KV_FStream(spec(name)).Remove();
     }
 
-    // Starts with a file name that no other test uses.
+    static void setVariable([[maybe_unused]] const char *name, [[maybe_unused]] const std::string &value) {
+#if !defined(_WIN32)
+        setenv(name, value.c_str(), 1);
+#endif
+    }
     bool start(const std::string &name) {
         m_names.push_back(name);
         return KV_Tracer::StartTracing(true, KV_String(name.c_str()));
     }
     static KV_FileSpec spec(const std::string &name) {
         KV_FileSpec file(kv::platform::userDataFolder());
-        file += "Trevane";
-        return file += name.c_str();
+        return file += ("Trevane\\" + name).c_str();
     }
     static std::string contents(const std::string &name) {
         std::string text;
@@ -59,17 +56,12 @@ protected:
         EXPECT_EQ(std::erase(text, '\r') != 0, kOnWindows) << "a text file";
         return text;
     }
-    std::string takeOutput() {
-        std::string text = m_output.str();
-        m_output.str("");
-        return text;
-    }
 
     TempFolder m_folder;
+    std::ostringstream m_output;
 
 private:
     std::vector<std::string> m_names;
-    std::ostringstream m_output;
     std::streambuf *m_former = std::cout.rdbuf(m_output.rdbuf());
 };
 
@@ -77,26 +69,25 @@ private:
 bool isTraceFile(const std::string &text, const std::string &lines, std::time_t from, std::time_t to) {
     for (std::time_t begin = from; begin <= to; ++begin)
         for (std::time_t end = begin; end <= to; ++end) {
-            std::string expected = "Kalvor Log File\n\n" + std::string(std::ctime(&begin)) + "\n" + lines;
-            expected += "Logging finished\n" + std::string(std::ctime(&end)) + "\n";
-            if (text == expected) return true;
+            std::ostringstream expected;
+            expected << "Kalvor Log File\n\n" << std::ctime(&begin) << '\n' << lines;
+            expected << "Logging finished\n" << std::ctime(&end) << '\n';
+            if (text == expected.str()) return true;
         }
     return false;
 }
 
 TEST_F(TraceFile, HoldsTheLinesBetweenTwoBanners) {
-    traceLine(kTraceDetail, "dropped");
-    dout << "dropped, too\n";
-    EXPECT_FALSE(KV_Tracer::StartTracing(false, "trace_no_file.txt"));
-    EXPECT_FALSE(spec("trace_no_file.txt").FileExists());
+    dout << "dropped";
+    EXPECT_FALSE(KV_Tracer::StartTracing(false, "trace_none.txt"));
     traceLine(kTraceDetail, "to output");
     const std::time_t from = std::time(nullptr);
     ASSERT_TRUE(start("trace_first.txt"));
     traceLine(kTraceDetail, "one");
-    EXPECT_FALSE(start("trace_second.txt"));
-    EXPECT_FALSE(spec("trace_second.txt").FileExists());
+    EXPECT_FALSE(start("trace_none.txt"));
+    EXPECT_FALSE(spec("trace_none.txt").FileExists());
     EXPECT_NE(contents("trace_first.txt").find("\nmodule KvBaseTrac : one\n"), std::string::npos)
-        << "each line is flushed";
+        << "flushed";
     dout << "unflushed\n";
     KV_Tracer::StopTracing();
     const std::time_t to = std::time(nullptr);
@@ -104,7 +95,7 @@ TEST_F(TraceFile, HoldsTheLinesBetweenTwoBanners) {
     KV_Tracer::StopTracing();
     const std::string text = contents("trace_first.txt");
     EXPECT_TRUE(isTraceFile(text, "module KvBaseTrac : one\nunflushed\n", from, to)) << text;
-    EXPECT_EQ(takeOutput(), "module KvBaseTrac : to output\nmodule KvBaseTrac : to output again\n");
+    EXPECT_EQ(m_output.str(), "module KvBaseTrac : to output\nmodule KvBaseTrac : to output again\n");
     ASSERT_TRUE(start("trace_first.txt"));
     EXPECT_EQ(contents("trace_first.txt").find("one"), std::string::npos) << "replaced";
 }
@@ -112,23 +103,21 @@ TEST_F(TraceFile, HoldsTheLinesBetweenTwoBanners) {
 TEST_F(TraceFile, ThatCannotBeOpenedLeavesTheStandardOutput) {
     EXPECT_FALSE(start("no_such_folder\\trace.txt"));
     traceLine(kTraceDetail, "line");
-    EXPECT_EQ(takeOutput(), "module KvBaseTrac : line\n");
+    EXPECT_EQ(m_output.str(), "module KvBaseTrac : line\n");
 }
 
 #if !defined(_WIN32)
-TEST_F(TraceFile, GoesWhereTheEnvironmentSays) {
-    const std::string home = m_folder.native();
+TEST_F(TraceFile, LiesWhereTheEnvironmentSays) {
     for (const char *unset : {"APPDATA", "XDG_DATA_HOME"})
-        setEnvironment(unset, "");
-    setEnvironment("HOME", home);
-    ASSERT_TRUE(start("trace.txt")) << "the folders of a new account are made";
+        setVariable(unset, "");
+    setVariable("HOME", m_folder.native());
+    EXPECT_TRUE(start("trace.txt"));
+    EXPECT_TRUE(std::filesystem::exists(m_folder / ".local/share/Trevane/trace.txt")) << "folders are made";
     KV_Tracer::StopTracing();
-    EXPECT_TRUE(
-        KV_FileSpecFromNative(KV_String((home + "/.local/share/Trevane/trace.txt").c_str())).FileExists());
-    setEnvironment("HOME", "");
-    const KV_FileSpec plain = KV_FileSpecFromNative(KV_String((home + "/plain.txt").c_str()));
-    ASSERT_TRUE(KV_Tracer::StartTracing(true, plain.GetFileName()));
-    EXPECT_TRUE(plain.FileExists()) << "without such a folder, the name as it is";
+    setVariable("HOME", "");
+    const std::filesystem::path plain = m_folder / "plain.txt";
+    EXPECT_TRUE(KV_Tracer::StartTracing(true, KV_String(plain.c_str())));
+    EXPECT_TRUE(std::filesystem::exists(plain)) << "no folder is told: the name as it is";
 }
 #endif
 
@@ -157,7 +146,7 @@ TEST_F(TraceFile, LinesOfSeveralThreadsComeWholeWhileFilesChange) {
     done = true;
     for (std::thread &thread : threads)
         thread.join();
-    std::istringstream lines(all + takeOutput());
+    std::istringstream lines(all + m_output.str());
     std::map<std::string, int> count;
     for (std::string line; std::getline(lines, line);)
         ++count[line];
