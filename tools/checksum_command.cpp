@@ -25,7 +25,8 @@ void refuseLarge(const std::string &file, std::uintmax_t size) {
 
 KV_CheckSum checksumOf(const std::string &file) {
     std::error_code noFile;
-    if (fs::is_regular_file(file, noFile)) refuseLarge(file, fs::file_size(file));  // before it is read
+    const fs::path path = pathFromUtf8(file);
+    if (fs::is_regular_file(path, noFile)) refuseLarge(file, fs::file_size(path));  // before it is read
     std::string bytes = readBytes(file);
     refuseLarge(file, bytes.size());
     unsigned char digest[16];

@@ -43,8 +43,8 @@ private:
 // The library's form of a path. Where it isn't the same file, there is none: on POSIX a backslash is a
 // separator to the library, and bytes that are no UTF-8 are replaced.
 KV_FileSpec specOf(const fs::path &path) {
-    const auto text = path.u8string();
-    const KV_String native(reinterpret_cast<const char *>(text.c_str()));
+    fs::path spelled = path;
+    const KV_String native(utf8FromPath(spelled.make_preferred()).c_str());
     KV_FileSpec spec = KV_FileSpecFromNative(native);
     if (KV_NativePath(spec) != native)
         throw BadInput(native.Ptr(), "can't be reached: a backslash in its path, or bytes that are no UTF-8");
@@ -60,28 +60,37 @@ bool writeBytes(const fs::path &path, const std::string &bytes) {
 
 // The file that is meant, behind a link, if it can be replaced.
 fs::path targetOf(const std::string &file) {
+    const fs::path path = pathFromUtf8(file);
     std::error_code error;
-    const fs::file_status status = fs::status(file, error);
-    const bool isLink = fs::is_symlink(fs::symlink_status(file, error));
+    const fs::file_status status = fs::status(path, error);
+    const bool isLink = fs::is_symlink(fs::symlink_status(path, error));
     if (!fs::exists(status)) {
         if (isLink) throw BadInput(file, "is a link to nothing");
-        const fs::path folder = fs::absolute(file).parent_path();
+        const fs::path folder = fs::absolute(path).parent_path();
         if (!fs::is_directory(folder, error))
             throw BadInput(file, "can't be written: its folder doesn't exist");
-        return file;
+        return path;
     }
     if (!fs::is_regular_file(status)) throw BadInput(file, "can't be replaced: it is no regular file");
     if ((status.permissions() & fs::perms::owner_write) == fs::perms::none)
         throw BadInput(file, "is read-only");
-    return isLink ? fs::canonical(file) : fs::path(file);
+    return isLink ? fs::canonical(path) : path;
 }
 
 }  // namespace
 
+fs::path pathFromUtf8(const std::string &text) { return std::u8string(text.begin(), text.end()); }
+
+std::string utf8FromPath(const fs::path &path) {
+    const std::u8string text = path.u8string();
+    return {text.begin(), text.end()};
+}
+
 std::string readBytes(const std::string &file) {
-    const KV_FileSpec spec = specOf(file);
+    const fs::path path = pathFromUtf8(file);
+    const KV_FileSpec spec = specOf(path);
     std::error_code error;
-    const fs::file_status status = fs::status(file, error);
+    const fs::file_status status = fs::status(path, error);
     if (status.type() == fs::file_type::not_found) throw BadInput(file, "doesn't exist");
     if (fs::is_directory(status)) throw BadInput(file, "is a folder");
     if (status.type() == fs::file_type::none) throw BadInput(file, "can't be opened: " + error.message());
@@ -114,7 +123,7 @@ void replaceFile(const std::string &file, const std::string &bytes) {
         const fs::perms usual = fs::status(temporary.path()).permissions();
         fs::permissions(temporary.path(), kOwnerOnly);
         if (!writeBytes(temporary.path(), bytes)) throw BadInput(file, "can't be written whole");
-        if (readBytes(temporary.path().string()) != bytes)
+        if (readBytes(utf8FromPath(temporary.path())) != bytes)
             throw BadInput(file, "can't be written: what was written is not read back");
         fs::permissions(temporary.path(), isNew ? usual : fs::status(target).permissions());
         temporary.become(target);

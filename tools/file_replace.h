@@ -1,8 +1,13 @@
 #pragma once
 
+#include <filesystem>
 #include <string>
 
 namespace kvtool {
+
+/// The path that a word of the command line, which is UTF-8 on every system, stands for; and the way back.
+std::filesystem::path pathFromUtf8(const std::string &text);
+std::string utf8FromPath(const std::filesystem::path &path);
 
 // A path that the library's form of paths can't tell from another one is refused: on POSIX one with a
 // backslash, or with bytes that are no UTF-8.

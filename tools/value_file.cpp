@@ -90,7 +90,7 @@ std::string list(const std::vector<std::string> &lines) {
 
 bool isSameFile(const std::string &a, const std::string &b) {
     std::error_code ignored;
-    return a == b || std::filesystem::equivalent(a, b, ignored);
+    return a == b || std::filesystem::equivalent(pathFromUtf8(a), pathFromUtf8(b), ignored);
 }
 
 }  // namespace
@@ -132,7 +132,7 @@ void ValueFile::refuseMisread() const {
 
 ValueFile ValueFile::openOrNew(const std::string &file, ValueForm form) {
     std::error_code ignored;
-    if (std::filesystem::exists(file, ignored)) return ValueFile(file);
+    if (std::filesystem::exists(pathFromUtf8(file), ignored)) return ValueFile(file);
     return {file, form, New()};
 }
 

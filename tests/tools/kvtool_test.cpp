@@ -319,12 +319,9 @@ TEST_F(KvTool, RefusesPathsThatTheLibraryWouldChange) {
     EXPECT_NE(contents(file("x\\y/new.krg")).find("/a 2"), std::string::npos);
 }
 
-TEST_F(KvTool, TakesUtf8FromTheCommandLine) {
+TEST_F(KvTool, RefusesWordsThatAreNoUtf8) {
     write("u.krg", "<< /u () satutfstring >>");
     const Row rows[] = {
-        {"values set u.krg u M\xC3\xBCnchen", 0, "", ""},
-        {"values get u.krg u", 0, "M\xC3\xBCnchen\n", ""},
-        {"values set u.krg u \xF0\x9F\x98\x80", 1, "", "has a character that a utfstring can't hold"},
         {"values set u.krg u \x9F", 1, "", "'\\237' is not valid UTF-8"},
         {"values set u.krg u \xED\xA0\x80", 1, "", "is not valid UTF-8"},
     };
@@ -332,6 +329,21 @@ TEST_F(KvTool, TakesUtf8FromTheCommandLine) {
         expectOutcome(row, run(row.arguments));
 }
 #endif
+
+TEST_F(KvTool, TakesUtf8FromTheCommandLine) {
+    write("u.krg", "<< /u () satutfstring >>");
+    const Row rows[] = {
+        {"values set u.krg u M\xC3\xBCnchen", 0, "", ""},
+        {"values get u.krg u", 0, "M\xC3\xBCnchen\n", ""},
+        {"values set u.krg u \xF0\x9F\x98\x80", 1, "", "has a character that a utfstring can't hold"},
+        {"values copy u.krg u \xE6\x97\xA5\xC3\xBC.krg", 0, "", ""},
+        {"values set \xE6\x97\xA5\xC3\xBC.krg v 1", 0, "", ""},
+        {"values get \xE6\x97\xA5\xC3\xBC.krg v", 0, "1\n", ""},
+    };
+    for (const Row &row : rows)
+        expectOutcome(row, run(row.arguments));
+    EXPECT_TRUE(fs::exists(file("u.krg").replace_filename(u8"\u65E5\u00FC.krg")));
+}
 
 TEST_F(KvTool, EnciphersAndDeciphers) {
     using namespace std::string_literals;
