@@ -12,7 +12,8 @@ namespace {
 constexpr int kSlots = 64;
 
 // A constant at start and never torn down, as its lock: tracers are named, and trace, at any moment.
-constinit KV_Tracer table[kSlots];  // slots and names guarded by tableLock(); once taken, a name never changes
+constinit KV_Tracer
+    table[kSlots];  // slots and names guarded by tableLock(); once taken, a name never changes
 
 // Nothing else is taken under it.
 std::mutex &tableLock() {

@@ -130,7 +130,7 @@ TEST(BinaryForm, IsTheSameInBlocksOfAnySize) {
 }
 
 TEST(BinaryForm, SizesAreThoseOfTheBytesAtTheEdgesOfBlocks) {
-    for (const int length : {430, 443, 444, 445, 956, 957, 32766}) {
+    for (const int length : {452, 453, 454, 964, 965, 966, 32766}) {
         KV_UValDict dict(16384), back(16384);
         dict.DefineUVal("a", KV_UVAL_STRING, 0, nullptr)
             ->SetStrValue(std::string(static_cast<std::size_t>(length), 'x').c_str(), 0);
@@ -140,6 +140,17 @@ TEST(BinaryForm, SizesAreThoseOfTheBytesAtTheEdgesOfBlocks) {
         readBinary(back, bytes);
         EXPECT_EQ(back.GetValue("a", "", 0), dict.GetValue("a", KV_String(), 0));
     }
+}
+
+TEST(BinaryForm, AStreamThatDropsWhatItTakesIsAFailure) {
+    KV_UValDict dict(16384);
+    fillLong(dict);
+    KV_SStream stream;
+    stream.Open("w", false);
+    stream.Seek(100, KV_Stream::SeekFromStart);  // beyond the end: the stream fails from now on
+    EXPECT_EQ(
+        failure([&] { dict.AppendBinToStream(&stream); }),
+        "File exception: WriteError;   Detail: AppendBinToStream written buffer differs from given buffer");
 }
 
 TEST(BinaryForm, StandsBehindTheDictionaryThatItRead) {

@@ -10,7 +10,8 @@
 /// knows; there is no host, no query and no general percent coding. The URL is "file:", directly followed by
 /// the path in UTF-8 with slashes for backslashes and "%20" for blanks: "D:\a b\c.icc" gives
 /// "file:D:/a%20b/c.icc". All other bytes, "%", "#" and those above 127 too, stand as they are. So a path
-/// comes back as it was when it holds no slash and no "%20" of its own.
+/// comes back as it was when it holds no slash and no "%20" of its own, and no half of a surrogate pair,
+/// which becomes U+FFFD.
 ///
 /// Nothing here raises. A value is used by one thread at a time.
 class KV_EXPORT KV_URL {

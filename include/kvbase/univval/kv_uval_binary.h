@@ -128,7 +128,8 @@ public:
     /// dimension below 0 is read as 0.
     ///
     /// Throws KV_BinPackException for an atom of another type or count than what was said before, a type
-    /// above 12, and a text without its zero; std::bad_alloc.
+    /// above 12, and a text without its zero; KV_FileException ("ReadError") for more pointers than the
+    /// limit, and for what SetRest tells; std::bad_alloc.
     int Get(unsigned char **cursor, const unsigned char *end);
 
 private:

@@ -74,8 +74,9 @@ public:
     /// Stores value at path, makes the dictionaries on the way, also in an entry with a null value, and
     /// deletes the value that stood there, unless it is the same. Returns value. When path has no place for
     /// it (it runs through a value that is no dictionary, or has no keys), or value is this dictionary, one
-    /// around it or one on the way, the result is null, nothing is changed and value stays the caller's. It stays the caller's,
-    /// too, when memory runs out.
+    /// around it or one on the way, the result is null, nothing is changed and value stays the caller's. It
+    /// stays the caller's, too, when memory runs out. A dictionary is looked through for this one, so build
+    /// deep trees from the outside in.
     KV_UVal *SetUVal(const KV_DictPath &path, KV_UVal *value);
     /// Deletes all values.
     void Clear();
@@ -162,7 +163,8 @@ public:
     /// Moves the entries one by one, by their keys as they stand, as MoveUValTo does. This dictionary is
     /// empty afterwards. A dictionary cannot move into itself: nothing happens when target is this one or
     /// null, and an entry within which target lies stays here. A dictionary in target that has to make room
-    /// is deleted at the end; when this one lies in it, that holds for this one too. Needs no memory.
+    /// is deleted at the end; when this one lies in it, that holds for this one too. Needs no memory. Each
+    /// dictionary that moves is looked through for target.
     void MoveTo(KV_UValDict *target);
     /// Moves one entry, a null value included, to the same path in target, makes the dictionaries on the way
     /// there and returns the value now in target. Where both are dictionaries the moved one is merged into
@@ -207,7 +209,7 @@ public:
     void ReadBinFromStream(KV_Stream *stream);
     /// AppendBinToStream into a file of its own. Throws KV_FileException as that does, the file untouched
     /// when something is beyond the limits; "OpenWrError" when the file doesn't open, and "WriteError" when
-    /// it can't be written whole.
+    /// it can't be written whole: the former contents are gone then, and what could be written stays.
     void WriteBinFile(KV_FileSpec &file);
     /// ReadBinFromStream from the beginning of a file. Throws as that does, and KV_FileException with
     /// "OpenRdError" when the file doesn't open.

@@ -28,12 +28,12 @@ class KV_UVal;
 // Type keywords and their numbers: satchar 0, satuchar 1, satshort 2, satushort 3, satlong 4, satulong 5,
 // satfloat 6, satdouble 7, satstring 8, satutfstring 9, satptr 10.
 //
-// Any input at all gives a value or KV_FileException; neither reading nor writing recurses by the depth of a
-// value. Reading takes, besides what the value itself does and a few KiB, at most 8 times the size of the
-// text that it has read. Where a stream's buffer throws, the stream becomes bad and readers throw
-// KV_FileException: the buffer's own, or "ReadError" with the reason as its message. A stream with an
-// exception mask throws by that. The functions share no state but the tracer "KvBaseTrace"; reading looks at
-// the separator of paths.
+// Any input at all gives a value or KV_FileException (or std::bad_alloc when memory runs out); neither
+// reading nor writing recurses by the depth of a value. Reading takes, besides what the value itself does and
+// a few KiB, at most 8 times the size of the text that it has read. Where a stream's buffer throws, the
+// stream becomes bad and readers throw KV_FileException: the buffer's own, or "ReadError" with the reason as
+// its message. A stream with an exception mask throws by that. The functions share no state but the tracer
+// "KvBaseTrace"; reading looks at the separator of paths.
 
 /// A token of the text form. Its own kind is all there is to a bracket; the classes below add what was read.
 class KV_EXPORT KV_PsNToken {

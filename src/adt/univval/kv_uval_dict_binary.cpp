@@ -46,7 +46,8 @@ void putThroughBlock(KV_UValDict &dict, const Drain &drain) {
 
 void append(KV_UValDict &dict, KV_Stream &stream) {
     putThroughBlock(dict, [&stream](const unsigned char *block, std::size_t size, bool isLast) {
-        if (stream.Write(block, 1, size) == size) return;
+        // A stream in memory that has failed before takes bytes and drops them.
+        if (stream.Write(block, 1, size) == size && (!isLast || stream.GetLastError() == 0)) return;
         throw KV_FileException(isLast ? "AppendBinToStream written buffer differs from given buffer"
                                       : "AppendBinToStream could not write the complete buffer",
                                KV_FileException::WriteError, 0, KV_HERE);

@@ -31,7 +31,8 @@ std::int32_t append(UINT codePage, DWORD flags, std::string_view text, KV_WStrin
 std::int32_t append(UINT codePage, DWORD flags, std::basic_string_view<KV_WChar> units, std::string &out,
                     BOOL *replaced) {
     const int length = static_cast<int>(units.size());
-    const int count = WideCharToMultiByte(codePage, flags, units.data(), length, nullptr, 0, nullptr, replaced);
+    const int count =
+        WideCharToMultiByte(codePage, flags, units.data(), length, nullptr, 0, nullptr, replaced);
     if (count <= 0) return lastError();
     const std::size_t before = out.size();
     out.resize(before + static_cast<std::size_t>(count));
