@@ -11,6 +11,10 @@ if(MINGW)
   foreach(name libstdc++-6.dll libgcc_s_seh-1.dll libwinpthread-1.dll)
     execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=${name}
                     OUTPUT_VARIABLE file OUTPUT_STRIP_TRAILING_WHITESPACE)
+    if(NOT EXISTS ${file})  # some distributions keep them beside the compiler
+      cmake_path(GET CMAKE_CXX_COMPILER PARENT_PATH folder)
+      set(file ${folder}/${name})
+    endif()
     configure_file(${file} ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/${name} COPYONLY)
     list(APPEND KVBASE_RUNTIME_LIBRARIES ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/${name})
   endforeach()

@@ -49,7 +49,8 @@ std::string localeName();
 /// Opens a file in a mode of the C library; programs that the process starts do not inherit it. Null on
 /// failure, with the C library's number in error (0 on success). A directory and a path with a zero unit in
 /// it fail; a mode that does not begin with r, w or a fails with EINVAL. On Windows others can't write to the
-/// file meanwhile, and the mode is made of r, w, a, +, b and t alone.
+/// file meanwhile, nor read one that is open for writing; a mode that its C library does not know, such as
+/// "rtb", fails with EINVAL, too.
 std::FILE *openFile(const KV_WString &path, const char *mode, std::int32_t &error);
 
 /// Moves to offset from origin (SEEK_SET, SEEK_CUR, SEEK_END), in 64 bits. True on success.

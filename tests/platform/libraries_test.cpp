@@ -65,6 +65,9 @@ TEST(PlatformLibraries, MissingOnesHaveANumber) {
     }
     EXPECT_EQ(platform::loadLibraryFrom(programFolder() + KV_W("\\none"), kModule, error), nullptr);
     EXPECT_NE(error, 0);
+    EXPECT_EQ(platform::loadLibraryFrom(programFolder(), kModule + KV_WString(2, KV_WChar{0}), error),
+              nullptr);
+    EXPECT_NE(error, 0);
 }
 
 }  // namespace

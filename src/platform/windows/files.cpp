@@ -12,16 +12,19 @@ namespace kv::detail {
 bool systemPath(const KV_WString &path, KV_WString &out) {
     // A directory's path must leave room for a name of 12 units.
     constexpr std::size_t kLongestPlain = MAX_PATH - 12;
+    const auto begins = [](const KV_WString &text, const KV_WChar *with) { return text.rfind(with, 0) == 0; };
     out = path;
     if (path.find(KV_WChar{0}) != KV_WString::npos) return false;
-    if (path.size() < kLongestPlain || path.compare(0, 4, KV_W("\\\\?\\")) == 0) return true;
-    out = filledBy(
-        [&path](KV_WChar *text, DWORD size) { return GetFullPathNameW(path.c_str(), size, text, nullptr); });
-    if (out.compare(0, 2, KV_W("\\\\")) == 0)
-        out.replace(0, 2, KV_W("\\\\?\\UNC\\"));
-    else
-        out.insert(0, KV_W("\\\\?\\"));
+    if (path.empty() || begins(path, L"\\\\?\\") || begins(path, L"\\\\.\\")) return true;
+    const KV_WString absolute = absolutePath(path);
+    if (absolute.size() < kLongestPlain || begins(absolute, L"\\\\.\\")) return true;
+    out = begins(absolute, L"\\\\") ? L"\\\\?\\UNC\\" + absolute.substr(2) : L"\\\\?\\" + absolute;
     return true;
+}
+
+KV_WString absolutePath(const KV_WString &path) {
+    return filledBy(
+        [&path](KV_WChar *text, DWORD size) { return GetFullPathNameW(path.c_str(), size, text, nullptr); });
 }
 
 }  // namespace kv::detail
@@ -55,9 +58,18 @@ bool skipDots(const Search &search, WIN32_FIND_DATAW &found) {
     return true;
 }
 
-// Only what the C library is known to understand: it may end the process over any other letter.
-bool isMode(const char *mode) {
-    return std::strchr("rwa", *mode) != nullptr && *mode != 0 && mode[std::strspn(mode, "rwa+bt")] == 0;
+// Only what the C library is known to understand, since it may end the process over anything else: one of r,
+// w and a, and at most one letter of each other group.
+bool isMode(std::string_view mode) {
+    constexpr std::string_view kGroups[] = {"rwa", "+", "bt", "cn", "SR", "T", "D"};
+    std::ptrdiff_t known = 0;
+    for (const std::string_view group : kGroups) {
+        const auto count =
+            std::count_if(mode.begin(), mode.end(), [group](char c) { return group.find(c) != group.npos; });
+        if (count > 1) return false;
+        known += count;
+    }
+    return !mode.empty() && kGroups[0].find(mode[0]) != std::string_view::npos && known == std::ssize(mode);
 }
 
 }  // namespace

@@ -19,9 +19,8 @@ Library loadLibrary(const KV_WString &path, std::int32_t &error) { return load(p
 
 Library loadLibraryFrom(const KV_WString &folder, const KV_WString &name, std::int32_t &error) {
     const KV_WString path = folder + KV_W('\\') + name;
-    const KV_WString absolute = detail::filledBy(
-        [&path](KV_WChar *text, DWORD size) { return GetFullPathNameW(path.c_str(), size, text, nullptr); });
-    return load(absolute, LOAD_WITH_ALTERED_SEARCH_PATH, error);
+    const bool isPath = path.find(KV_WChar{0}) == KV_WString::npos;
+    return load(isPath ? detail::absolutePath(path) : path, LOAD_WITH_ALTERED_SEARCH_PATH, error);
 }
 
 void freeLibrary(Library library) {

@@ -28,6 +28,9 @@ using KernelHandle = std::unique_ptr<void, CloseKernelHandle>;
 /// text before that for the path.
 bool systemPath(const KV_WString &path, KV_WString &out);
 
+/// The path from its root, without "." and "..". It must not hold a zero unit. Empty on failure.
+KV_WString absolutePath(const KV_WString &path);
+
 /// What a call gives that fills a buffer of a stated size and returns the length without its zero, or, where
 /// the text did not fit, the size or more. Empty when it fails.
 template <class Call>
