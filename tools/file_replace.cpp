@@ -60,7 +60,7 @@ bool writeBytes(const fs::path &path, const std::string &bytes) {
 
 // The file that is meant, behind a link, if it can be replaced.
 fs::path targetOf(const std::string &file) {
-    const fs::path path = pathFromUtf8(file);
+    fs::path path = pathFromUtf8(file);
     std::error_code error;
     const fs::file_status status = fs::status(path, error);
     const bool isLink = fs::is_symlink(fs::symlink_status(path, error));

@@ -22,7 +22,4 @@ bool traceFileIsSet();
 /// Opens the sink, for the rest of the process. Text that stood in the stream before is dropped.
 void setTracingStarted();
 
-/// Takes the stream away from every tracer of the table that writes to it, once no line is being written.
-void disconnectTracers(const std::ostream &stream);
-
 }  // namespace kv::detail

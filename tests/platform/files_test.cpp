@@ -35,7 +35,7 @@ protected:
 TEST_F(PlatformFiles, FindsByPatternInOrder) {
     using Names = std::vector<KV_WString>;
     const KV_WString accented = KV_W("\u00E9\U0001F600.txt");
-    const auto here = [](Names posix, Names windows) { return kOnWindows ? windows : posix; };
+    const auto here = [](const Names &posix, const Names &windows) { return kOnWindows ? windows : posix; };
     const struct {
         const char *name;
         KV_WString pattern;

@@ -35,8 +35,9 @@ class KV_Mutex;
 class KV_String;
 
 namespace kv::detail {
+/// Takes the stream away from every tracer of the table that writes to it, once no line is being written.
 void disconnectTracers(const std::ostream &stream);
-}
+}  // namespace kv::detail
 
 /// One record of the process's table of tracers. The table has 64 slots, which are taken by the first use of
 /// a name and never freed. Names count over their first 10 characters; a null or empty name has no tracer.
