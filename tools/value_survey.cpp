@@ -170,7 +170,8 @@ private:
         const std::string word = written();
         if (holds(value, index, word)) return;
         const auto inForm = [](const std::string &text, bool isText) {
-            return isText ? "(" + shortened(text) + ")" : shortened(text);
+            const std::string shown = shortened(text);
+            return isText ? '(' + shown + ')' : shown;
         };
         misread(
             inForm(word, kind() == KV_PsNToken::PST_STRING) + " is read as " +
