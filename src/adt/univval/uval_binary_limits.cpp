@@ -1,6 +1,7 @@
-// What a dictionary may not have if it is to be written in binary form.
+// What a dictionary may not have if it is to be written in binary form, and the order in which it is written.
 
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "binary_form.h"
@@ -18,7 +19,7 @@ class LimitCheck {
 public:
     explicit LimitCheck(KV_UValDict &root) { enter(root); }
 
-    void run() {
+    BinaryOrder run() {
         while (!m_levels.empty()) {
             Level &level = m_levels.back();
             if (level.next == level.end) {
@@ -27,8 +28,10 @@ public:
             }
             const auto entry = level.next++;
             if (entry->first.size() >= kLongestText) fail("the key of ", " is longer than 32766 bytes");
+            m_order.push_back({&entry->first, entry->second});
             if (entry->second != nullptr) check(*entry->second);
         }
+        return std::move(m_order);
     }
 
 private:
@@ -86,12 +89,13 @@ private:
         return path.substr(0, kEnds) + "..." + path.substr(path.size() - kEnds);
     }
 
+    BinaryOrder m_order;
     std::vector<Level> m_levels;
     std::uint32_t m_pointers = 0;  // elements so far
 };
 
 }  // namespace
 
-void checkBinaryLimits(KV_UValDict &dict) { LimitCheck(dict).run(); }
+BinaryOrder orderWithinLimits(KV_UValDict &dict) { return LimitCheck(dict).run(); }
 
 }  // namespace kv::detail

@@ -119,6 +119,8 @@ void KV_BinPackUValDict::Specify(KV_UValDict *dictionary) {
     m_value = dictionary;
     m_pointers = 0;
     m_levels.clear();
+    m_order = nullptr;
+    m_next = 0;
     m_rest = kUnknown;
     m_newValue.reset();
     m_frames.clear();
