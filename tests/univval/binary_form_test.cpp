@@ -309,6 +309,29 @@ TEST(BinaryForm, RefusesWhatItCannotHoldBeforeTheFirstByte) {
     }
 }
 
+// Keys with separators come into a dictionary through its map; in a file they are paths.
+TEST(BinaryForm, SeparatorsInKeysAreLimited) {
+    for (const std::size_t beyond : {0, 1}) {
+        KV_UValDict dict(16384), back(16384);
+        for (const std::size_t count :
+             {std::size_t{30000}, std::size_t{30000}, 65536 + 3 * 2 - 60000 + beyond})
+            (*dict.GetValuePtr())[std::to_string(dict.GetSize()) + std::string(count, ':')] = nullptr;
+        KV_BinPackUValDict packer;
+        packer.Specify(&dict);
+        if (beyond == 0) {
+            readBinary(back, writtenBinary(dict));
+            EXPECT_EQ(back.GetSize(), 3);
+            EXPECT_NO_THROW(putInBlocks(packer, 512));
+        } else {
+            KV_SStream stream;
+            EXPECT_NE(failure([&] { dict.AppendBinToStream(&stream); }).find("has a separator too many"),
+                      std::string::npos);
+            EXPECT_EQ(stream.Length(), 0U);
+            EXPECT_THROW(putInBlocks(packer, 512), KV_BinPackException);
+        }
+    }
+}
+
 TEST(BinaryForm, RefusesAForeignTypeBeforeTheFirstByte) {
     struct Foreign : KV_UVal {
         Foreign() : KV_UVal(static_cast<KV_UValType>(13), KV_UVAL_FAMILY_NUMBER) {}

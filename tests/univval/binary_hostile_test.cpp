@@ -182,32 +182,45 @@ TEST(BinaryHostile, MemoryFollowsTheSizeOfTheFile) {
     std::string entries, paths;
     for (int i = 0; i < 60000; ++i)
         entries += text(std::to_string(i)) + number16(0);
+    for (int i = 0; i < 60000; ++i)
+        paths += text(std::to_string(i) + "::") + number16(0);
+    const std::string deepPath = number16(1) + text(std::string(32000, ':')) + number16(0);
+    std::string deepPaths = kHeader + number16(30);
     for (int i = 0; i < 30; ++i)
-        paths += text(std::to_string(i) + std::string(32000, ':')) + number16(0);
+        deepPaths += text(std::to_string(i)) + number16(1) + deepPath;
+    const std::string none = "none";
+    const std::string tooMany =
+        "File exception: ReadError;   Detail: ReadBinFromStream failed because of too many separators in "
+        "keys";
     struct {
         const char *name;
         std::string bytes;
         std::size_t times;  // the size of the file
+        std::string result;
+        std::size_t besides = 10000;  // bytes
     } cases[] = {
-        {"truncated long array", kHeader + array(6, 0x7FFFFFFF) + filler, 1},
-        {"truncated double array", kHeader + array(9, 0x7FFFFFFF) + filler, 1},
-        {"truncated strings", kHeader + array(10, 0x7FFFFFFF) + filler, 1},
-        {"truncated UTF strings", kHeader + array(11, 0x7FFFFFFF) + filler, 1},
-        {"array whose atom is another", kHeader + array(9, kSize / 8) + atomHeader(7, 3) + filler, 2},
-        {"strings that don't come", kHeader + array(10, kSize / 5) + filler, 6},
-        {"text beyond the end", kHeader + number16(1) + number16(0xFFFF), 1},
-        {"entries without values", kHeader + number16(60000) + entries, 12},
-        {"keys that are deep paths", kHeader + number16(30) + paths, 250},
-        {"levels", nestedLevels(100000), 40},
-        {"levels, cut off", nestedLevels(100000).substr(0, kSize), 40},
-        {"array", kHeader + array(2, kSize) + atomHeader(1, kSize) + filler, 2},
+        {"truncated long array", kHeader + array(6, 0x7FFFFFFF) + filler, 1, kTruncated},
+        {"truncated double array", kHeader + array(9, 0x7FFFFFFF) + filler, 1, kTruncated},
+        {"truncated strings", kHeader + array(10, 0x7FFFFFFF) + filler, 1, kTruncated},
+        {"truncated UTF strings", kHeader + array(11, 0x7FFFFFFF) + filler, 1, kTruncated},
+        {"array whose atom is another", kHeader + array(9, kSize / 8) + atomHeader(7, 3) + filler, 2,
+         kInvalid},
+        {"strings that don't come", kHeader + array(10, kSize / 5) + filler, 6, kInvalid},
+        {"text beyond the end", kHeader + number16(1) + number16(0xFFFF), 1, kTruncated},
+        {"entries without values", kHeader + number16(60000) + entries, 12, none},
+        {"keys that are paths", kHeader + number16(60000) + paths, 45, none},
+        {"keys that are deep paths", deepPaths, 1, tooMany, 20000000},
+        {"levels", nestedLevels(100000), 40, none},
+        {"levels, cut off", nestedLevels(100000).substr(0, kSize), 40, kTruncated},
+        {"array", kHeader + array(2, kSize) + atomHeader(1, kSize) + filler, 2, none},
     };
     for (const auto &c : cases) {
         KV_UValDict dict(16384);
         KV_SStream stream(c.bytes.data(), static_cast<std::uint32_t>(c.bytes.size()));
         const std::size_t before = heap.taken;
         const std::string result = failure([&] { dict.ReadBinFromStream(&stream); });
-        EXPECT_LE(heap.taken - before, c.times * c.bytes.size() + 10000) << c.name << ": " << result;
+        EXPECT_LE(heap.taken - before, c.times * c.bytes.size() + c.besides) << c.name;
+        EXPECT_EQ(result, c.result) << c.name;
     }
 }
 

@@ -39,6 +39,8 @@ struct BinaryWriting;
 //
 // Limits: a level has at most 65535 entries, a key or string 32766 bytes, and the pointers of a dictionary
 // have at most 1048576 elements in all, since a file could ask for any number of them without a byte of data.
+// Keys have at most 65536 separators, and two more for each entry, in all: each of them makes a dictionary
+// when the file is read.
 //
 // Writing stores least significant bytes first, and a count exactly when it isn't 1.
 //
@@ -133,8 +135,8 @@ public:
     /// dimension below 0 is read as 0.
     ///
     /// Throws KV_BinPackException for an atom of another type or count than what was said before, a type
-    /// above 12, and a text without its zero; KV_FileException ("ReadError") for more pointers than the
-    /// limit, and for what SetRest tells; std::bad_alloc.
+    /// above 12, and a text without its zero; KV_FileException ("ReadError") for more pointers or separators
+    /// in keys than the limits, and for what SetRest tells; std::bad_alloc.
     int Get(unsigned char **cursor, const unsigned char *end);
 
 private:
@@ -183,6 +185,7 @@ private:
     std::int32_t m_dimension = 0, m_itemsToPrint = 0;
     std::int32_t m_count = 0, m_index = 0;  // elements of the value in hand
     std::uint32_t m_pointers = 0;           // elements of pointers so far
+    std::uint64_t m_separators = 0;         // of keys that may still come
     std::vector<Level> m_levels;
     const std::vector<kv::detail::BinaryEntry> *m_order = nullptr;  // known in advance, in place of levels
     std::size_t m_next = 0;                                         // in m_order

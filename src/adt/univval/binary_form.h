@@ -1,12 +1,15 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <type_traits>
 #include <utility>
 #include <vector>
 
+#include "kvbase/univval/kv_dict_path.h"
 #include "kvbase/univval/kv_uval_leaf.h"
 
 class KV_BinPackUValDict;
@@ -36,6 +39,20 @@ constexpr char kBinaryMagic[] = "UVALBINDUMP_2.0";
 /// pointers in all.
 constexpr std::size_t kMostEntries = 65535, kLongestText = 32767;
 constexpr std::uint32_t kMostPointers = 1U << 20;
+
+/// Separators that the keys of a dictionary may have in all: so many, and so many more for each entry. Every
+/// one of them can make a dictionary, of some 200 bytes, out of one byte of a file.
+constexpr std::uint64_t kSeparators = 65536, kSeparatorsOfEntry = 2;
+
+/// Takes a key's separators from those that are left. False when these do not suffice.
+inline bool spendSeparators(std::uint64_t &left, std::string_view key) {
+    left += kSeparatorsOfEntry;
+    const auto count =
+        static_cast<std::uint64_t>(std::count(key.begin(), key.end(), KV_DictPath::GetSeparator()));
+    if (count > left) return false;
+    left -= count;
+    return true;
+}
 
 /// Calls visit with a null pointer to the leaf class of a number type. False for any other type.
 template <class Visit>

@@ -28,6 +28,8 @@ public:
             }
             const auto entry = level.next++;
             if (entry->first.size() >= kLongestText) fail("the key of ", " is longer than 32766 bytes");
+            if (!spendSeparators(m_separators, entry->first))
+                fail("the key of ", " has a separator too many for a file");
             m_order.push_back({&entry->first, entry->second});
             if (entry->second != nullptr) check(*entry->second);
         }
@@ -91,7 +93,8 @@ private:
 
     BinaryOrder m_order;
     std::vector<Level> m_levels;
-    std::uint32_t m_pointers = 0;  // elements so far
+    std::uint32_t m_pointers = 0;              // elements so far
+    std::uint64_t m_separators = kSeparators;  // of keys that may still come
 };
 
 }  // namespace

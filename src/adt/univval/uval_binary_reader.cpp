@@ -67,6 +67,12 @@ void needBytes(std::uint64_t needed, std::uint64_t left) {
     }
 }
 
+/// What takes memory out of proportion to its bytes.
+[[noreturn]] void failAsTooMuch(const char *what) {
+    throw KV_FileException((std::string("ReadBinFromStream failed because of too many ") + what).c_str(),
+                           KV_FileException::ReadError, 0, KV_HERE);
+}
+
 void demand(bool isTrue) {
     if (!isTrue) throw KV_BinPackException();
 }
@@ -118,6 +124,7 @@ void KV_BinPackUValDict::Specify(KV_UValDict *dictionary) {
     m_root = dictionary;
     m_value = dictionary;
     m_pointers = 0;
+    m_separators = kSeparators;
     m_levels.clear();
     m_order = nullptr;
     m_next = 0;
@@ -203,6 +210,7 @@ int KV_BinPackUValDict::Get(unsigned char **cursor, const unsigned char *end) {
             case State::Key:
                 demand(m_text.back() == 0);
                 m_key.assign(m_text.data(), m_text.size() - 1);
+                if (!spendSeparators(m_separators, m_key)) failAsTooMuch("separators in keys");
                 if (!take(m_type, State::Type)) return 1;
                 [[fallthrough]];
             case State::Type:
@@ -268,8 +276,7 @@ void KV_BinPackUValDict::openValue(std::uint64_t left) {
     const auto elements = static_cast<std::uint64_t>(std::max<std::int32_t>(m_dimension, 0));
     if (m_type == KV_UVAL_PTR) {
         if (elements > kMostPointers - m_pointers) {
-            throw KV_FileException("ReadBinFromStream failed because of too many pointers",
-                                   KV_FileException::ReadError, 0, KV_HERE);
+            failAsTooMuch("pointers");
         }
         m_pointers += static_cast<std::uint32_t>(elements);
     } else {

@@ -68,6 +68,7 @@ bool KV_BinPackUValDict::nextOfLevels() {
     const auto entry = m_levels.back().next++;
     m_keyInHand = &entry->first;
     m_value = entry->second;
+    if (!spendSeparators(m_separators, *m_keyInHand)) throw KV_BinPackException();
     return true;
 }
 
