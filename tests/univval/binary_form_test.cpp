@@ -153,6 +153,20 @@ TEST(BinaryForm, AStreamThatDropsWhatItTakesIsAFailure) {
         "File exception: WriteError;   Detail: AppendBinToStream written buffer differs from given buffer");
 }
 
+TEST(BinaryForm, ReadingLeavesThePlaceOfWritingAlone) {
+    KV_UValDict first(16384), back(16384);
+    fillLong(first);
+    KV_SStream stream;
+    stream.Open("w", false);
+    const std::string bytes = writtenBinary(first);
+    for (int i = 0; i < 3; ++i)
+        first.AppendBinToStream(&stream);
+    back.ReadBinFromStream(&stream);
+    EXPECT_EQ(writtenBinary(back), bytes);
+    first.AppendBinToStream(&stream);
+    EXPECT_EQ(std::string(stream.GetMemPtr(), stream.Length()), bytes + bytes + bytes + bytes);
+}
+
 TEST(BinaryForm, StandsBehindTheDictionaryThatItRead) {
     KV_UValDict first(16384), second(16384);
     fillAllBinary(first);
@@ -278,6 +292,12 @@ TEST(BinaryForm, RefusesWhatItCannotHoldBeforeTheFirstByte) {
         {[&](KV_UValDict &d, std::size_t beyond) { d.DefineUValDict("a")->SetUVal(text(beyond), nullptr); },
          "the key of a:" + std::string(98, 'k') + "..." + std::string(100, 'k') +
              " is longer than 32766 bytes"},
+        {[](KV_UValDict &d, std::size_t beyond) {
+             auto &inner = *new KV_UValDict(16384);
+             (*d.GetValuePtr())["zero\0key"s] = &inner;
+             fillLevel(inner, 65535 + beyond);
+         },
+         "zero\\0key has more than 65535 entries"},
         {[](KV_UValDict &d, std::size_t beyond) {
              d.DefineUVal("p", KV_UVAL_PTR, 1 << 19, nullptr);
              d.DefineUVal("q", KV_UVAL_PTR, (1 << 19) + static_cast<std::int32_t>(beyond), nullptr);

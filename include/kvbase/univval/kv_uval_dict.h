@@ -201,9 +201,10 @@ public:
     /// KV_BinPackException, before the first byte as well.
     void AppendBinToStream(KV_Stream *stream);
     /// Reads a dictionary in binary form from the stream's position, as KV_BinPackUValDict::Get tells. The
-    /// stream then stands directly behind it, so that another may follow; a stream that can't tell its
-    /// position is read to its end and moved back as far as it lets itself be moved. Throws KV_FileException:
-    /// "ReadError" when the stream ends too early, or the data names more bytes than the stream still holds;
+    /// stream then stands directly behind it, so that another may follow; a stream that doesn't tell where it
+    /// reads (a pipe, a stream in memory that is open for writing) is read to its end and stays there. Throws
+    /// KV_FileException: "ReadError" when the stream ends too early, the data names more bytes than the
+    /// stream still holds, or has more pointers or separators in keys than the limits of kv_uval_binary.h;
     /// "InvalidFile" when this is no such form, or its statements contradict each other. This dictionary is
     /// unchanged on failure; the stream stands somewhere.
     void ReadBinFromStream(KV_Stream *stream);

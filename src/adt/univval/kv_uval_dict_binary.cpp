@@ -67,9 +67,8 @@ public:
     }
     /// How many bytes are still to come. They are read at once when the stream doesn't know.
     std::uint64_t rest() {
-        const std::int64_t now = m_stream.Tell();
-        if (m_begin >= 0 && now - m_begin == m_taken && m_stream.Seek(0, KV_Stream::SeekFromEnd)) {
-            const std::int64_t end = m_stream.Tell();
+        if (knowsItsPlace() && m_stream.Seek(0, KV_Stream::SeekFromEnd)) {
+            const std::int64_t end = m_stream.Tell(), now = m_begin + m_taken;
             if (m_stream.Seek(now, KV_Stream::SeekFromStart) && end >= now)
                 return unread() + static_cast<std::uint64_t>(end - now);
         }
@@ -77,9 +76,14 @@ public:
         return unread();
     }
     /// Moves the stream back to the first byte that wasn't got.
-    void giveBack() { m_stream.Seek(-static_cast<std::int64_t>(unread()), KV_Stream::SeekFromCurrent); }
+    void giveBack() {
+        if (knowsItsPlace()) m_stream.Seek(-static_cast<std::int64_t>(unread()), KV_Stream::SeekFromCurrent);
+    }
 
 private:
+    /// Not a pipe, and not a stream in memory that is open for writing: that one tells where it writes.
+    bool knowsItsPlace() { return m_begin >= 0 && m_stream.Tell() - m_begin == m_taken; }
+
     std::uint64_t unread() const { return static_cast<std::uint64_t>(m_end - m_cursor); }
 
     void next() {
@@ -98,6 +102,7 @@ private:
         for (std::uint64_t got = kBlockSize; got != 0;) {
             got = std::min<std::uint64_t>(m_stream.Read(m_block, 1, kBlockSize), kBlockSize);
             m_all.insert(m_all.end(), m_block, m_block + got);
+            m_taken += static_cast<std::int64_t>(got);
         }
         m_cursor = m_all.data();
         m_end = m_cursor + m_all.size();

@@ -79,13 +79,16 @@ private:
         throw KV_FileException(message.c_str(), KV_FileException::WriteError, 0, KV_HERE);
     }
 
-    /// The keys of the entry that is looked at, cut in the middle where they are long.
+    /// The keys of the entry that is looked at, cut in the middle where they are long. Zero bytes, which end
+    /// a message, are shown as "\\0".
     std::string path() const {
         if (m_levels.empty()) return "the dictionary";
         std::string path;
-        for (const Level &level : m_levels)
-            path += (path.empty() ? "" : std::string(1, KV_DictPath::GetSeparator())) +
-                    std::prev(level.next)->first;
+        for (const Level &level : m_levels) {
+            if (&level != &m_levels.front()) path += KV_DictPath::GetSeparator();
+            for (const char c : std::prev(level.next)->first)
+                path += c != 0 ? std::string(1, c) : "\\0";
+        }
         constexpr std::size_t kEnds = 100;
         if (path.size() <= 2 * kEnds) return path;
         return path.substr(0, kEnds) + "..." + path.substr(path.size() - kEnds);
