@@ -40,7 +40,8 @@ std::unique_ptr<KV_UVal> parseText(const std::string &file, const std::string &b
     return std::unique_ptr<KV_UVal>(value);
 }
 
-// Every version of the binary form has its name at this place.
+// Every version of the binary form has its name at this place. KV_UValDict::ReadFile takes the same files for
+// the same forms; this gives the message of the form that is meant.
 bool isBinary(const std::string &bytes) {
     constexpr std::string_view name = "UVALBINDUMP_";
     constexpr std::size_t place = 8;
@@ -117,11 +118,17 @@ void ValueFile::readText(const std::string &bytes) {
 void ValueFile::readBinary(const std::string &bytes) {
     m_form = ValueForm::Binary;
     const std::size_t size = parseBinary(m_file, bytes, m_dict);
-    if (binaryForm(m_dict) != std::string_view(bytes).substr(0, size))
-        m_survey.unkept.emplace_back(
-            "another byte order, a key twice or with the path separator, or a text that is no UTF-8");
+    if (binaryForm(m_dict) != std::string_view(bytes).substr(0, size)) {
+        const char *twice = "a key that comes twice or has the path separator, or a text that is no UTF-8";
+        // A file in the other byte order says so from its first tag on, and always differs.
+        if ((static_cast<unsigned char>(bytes.front()) & 0x40U) != 0)
+            m_survey.unkept.push_back(std::string("another byte order, perhaps ") + twice);
+        else
+            m_survey.misread.push_back(std::string("somewhere ") + twice + ": the values differ");
+    }
     if (size < bytes.size())
-        m_survey.unkept.push_back(std::to_string(bytes.size() - size) + " bytes behind the values");
+        m_survey.misread.push_back(std::to_string(bytes.size() - size) +
+                                   " bytes behind the values are not read");
 }
 
 void ValueFile::refuseMisread() const {

@@ -100,7 +100,7 @@ public:
             m_survey.unkept.push_back(std::to_string(m_comments) +
                                       (m_comments == 1 ? " comment" : " comments"));
         if (m_levels.empty() && m_begin < m_bytes.size())
-            m_survey.unkept.emplace_back("text behind the values");
+            misread("what stands behind the values is not read");
         return std::move(m_survey);
     }
 

@@ -132,6 +132,9 @@ TEST_F(KvTool, TakesEitherFormByItsContent) {
     const std::string binary = contents(file("long_42.bin")), all = contents(file("all_types.bin"));
     write("behind.bin", binary + "more");
     write("cut.bin", binary.substr(0, 40));
+    std::string twice = binary + binary.substr(27);
+    twice[25] = 2;  // entries
+    write("twice.bin", twice);
     std::string version = binary;
     version[20] = '3';
     write("version.bin", version);
@@ -144,7 +147,11 @@ TEST_F(KvTool, TakesEitherFormByItsContent) {
         {"values get swapped.bin s", 0, "1\n2\n-2\n", ""},
         {"values check all_types.bin", 0, "written and read back unchanged", ""},
         {"values check swapped.bin", 0, "a rewrite drops another byte order", ""},
-        {"values check behind.bin", 0, "a rewrite drops 4 bytes behind the values", ""},
+        {"values check behind.bin", 1, "4 bytes behind the values are not read", "are not all read"},
+        {"values check twice.bin", 1, "a key that comes twice", "are not all read"},
+        {"values convert swapped.bin same_order.bin --to binary", 0, "", ""},
+        {"values convert behind.bin x.krg --to text", 1, "", "4 bytes behind the values are not read"},
+        {"values convert twice.bin x.krg --to text", 1, "", "a key that comes twice"},
         {"values convert number.krg made.bin --to binary", 0, "", ""},
         {"values convert press.krg press.bin --to binary", 0, "", ""},
         {"values get press.bin press:gamma", 0, "2.2\n", ""},
