@@ -24,10 +24,15 @@ constinit void *fileUser = nullptr;
 void sink(void * /*user*/, const char *text, int count) {
     if (!started) return;
     const KV_Synch lock(KV_Tracer::GetMutex());
-    if (writeFile != nullptr)
+    if (writeFile != nullptr) {
         writeFile(fileUser, text, count);
-    else
+        return;
+    }
+    try {
         std::cout.write(text, count);
+    } catch (...) {  // the trace stream would take it for its own failure, and write no more
+        return;
+    }
 }
 
 // The buffer of the trace stream. At the end of the process it hands on what no flush has handed on.

@@ -262,6 +262,24 @@ TEST(TraceSink, DropsUntilStartedThenGoesToTheFileOrToStandardOutput) {
                         "*** ERROR *** : module KvBaseTrac : pending");
 }
 
+TEST(TraceSink, GoesOnWhenStandardOutputHasThrown) {
+    struct : std::streambuf {
+    } full;  // takes nothing
+    std::ostringstream output;
+    std::streambuf *former = std::cout.rdbuf(&full);
+    kv::detail::setTracingStarted();
+    KV_Tracer::SetTracing("KvBaseTrace", kTraceDetail);
+    std::cout.exceptions(std::ios::badbit);
+    traceLine(kTraceDetail, "lost");
+    std::cout.exceptions(std::ios::goodbit);
+    std::cout.clear();
+    std::cout.rdbuf(output.rdbuf());
+    traceLine(kTraceDetail, "here");
+    KV_Tracer::SetTracing("KvBaseTrace", 0);
+    std::cout.rdbuf(former);
+    EXPECT_EQ(output.str(), "module KvBaseTrac : here\n");
+}
+
 #if !defined(_WIN32)
 // Runs when all static objects are gone, dout too. MinGW-w64 runs such functions before them.
 __attribute__((destructor)) void traceAtTheVeryEnd() {
