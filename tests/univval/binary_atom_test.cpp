@@ -113,6 +113,23 @@ TEST(BinaryAtom, MovesLongArraysWhole) {
     }
     EXPECT_EQ(total, std::size_t{kCount} + 5);
     EXPECT_EQ(std::string(cursor - 5, cursor), "abcde");
+
+    // And back: the tag, the count, all but the last bytes as they are there already, and these.
+    atom.Expect(1, data.get(), kCount);
+    unsigned char header[] = {0x11, 0x10, 0, 0, 3};
+    cursor = header;
+    int more = atom.Get(&cursor, header + sizeof header);
+    block.assign(block.size(), 0);
+    for (std::size_t left = kCount - 5; left > 0; left -= static_cast<std::size_t>(cursor - block.data())) {
+        cursor = block.data();
+        more = atom.Get(&cursor, block.data() + std::min(left, block.size()));
+    }
+    EXPECT_NE(more, 0);
+    unsigned char last[] = {'v', 'w', 'x', 'y', 'z', '!'};
+    cursor = last;
+    EXPECT_EQ(atom.Get(&cursor, last + sizeof last), 0);
+    EXPECT_EQ(cursor, last + 5);
+    EXPECT_EQ(std::string(data.get() + kCount - 6, 6), std::string("\0vwxyz", 6));
 }
 
 }  // namespace
