@@ -12,11 +12,6 @@
 #include "kvbase/univval/kv_uval.h"
 #include "kvbase/univval/kv_uval_dict.h"
 
-namespace kv::detail {
-struct BinaryEntry;
-struct BinaryWriting;
-}  // namespace kv::detail
-
 // The binary form of a dictionary, as three layers that move bytes between memory and blocks of any size.
 // KV_UValDict reads and writes whole streams and files through them (kv_uval_dict.h).
 //
@@ -166,10 +161,6 @@ private:
         std::uint16_t count, read;
     };
 
-    friend struct kv::detail::BinaryWriting;
-
-    bool nextOfLevels();
-    bool nextInOrder();
     void openValue(std::uint64_t left);
     void openDictionary();
     void store(Value value);
@@ -187,8 +178,6 @@ private:
     std::uint32_t m_pointers = 0;           // elements of pointers so far
     std::uint64_t m_separators = 0;         // of keys that may still come
     std::vector<Level> m_levels;
-    const std::vector<kv::detail::BinaryEntry> *m_order = nullptr;  // known in advance, in place of levels
-    std::size_t m_next = 0;                                         // in m_order
     // Of reading alone:
     std::uint64_t m_rest = 0;  // bytes that can still come
     Value m_newValue;          // in hand, not stored yet

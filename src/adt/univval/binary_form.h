@@ -3,16 +3,13 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <string>
 #include <string_view>
 #include <type_traits>
 #include <utility>
-#include <vector>
 
 #include "kvbase/univval/kv_dict_path.h"
 #include "kvbase/univval/kv_uval_leaf.h"
 
-class KV_BinPackUValDict;
 class KV_UValDict;
 
 // The numbers of the binary form, and what the writer and the reader of it share.
@@ -90,23 +87,8 @@ constexpr int kAtomOf = std::is_floating_point_v<Element> ? (sizeof(Element) == 
                         : sizeof(Element) == 2            ? kAtom16
                                                           : kAtom32;
 
-/// The entries of a tree in the order in which they are written.
-struct BinaryEntry {
-    const std::string *key;
-    KV_UVal *value;
-};
-using BinaryOrder = std::vector<BinaryEntry>;
-
 /// Throws when the tree has something that the binary form has no place for: KV_FileException
 /// ("WriteError"), which names the entry, or KV_BinPackException for a type above 12. Does not recurse.
-BinaryOrder orderWithinLimits(KV_UValDict &dict);
-
-/// The inner way into the writing layer.
-struct BinaryWriting {
-    /// Like Specify, with what orderWithinLimits gave for the dictionary, which stays the caller's.
-    /// What is known in advance can be fetched in advance, while the tree itself has to be followed from
-    /// node to node.
-    static void specify(KV_BinPackUValDict &layer, KV_UValDict &dict, const BinaryOrder &order);
-};
+void checkBinaryLimits(KV_UValDict &dict);
 
 }  // namespace kv::detail

@@ -21,7 +21,7 @@ constexpr std::size_t kBlockSize = 512;
 /// Puts header and dictionary into a block and calls drain(block, bytes, isLast) each time that it is full
 /// and there is more, and with the last one, which is never empty.
 template <class Drain>
-void putThroughBlock(KV_UValDict &dict, const BinaryOrder &order, const Drain &drain) {
+void putThroughBlock(KV_UValDict &dict, const Drain &drain) {
     unsigned char block[kBlockSize];
     unsigned char *cursor = block;
     const auto put = [&](auto &layer) {
@@ -39,13 +39,13 @@ void putThroughBlock(KV_UValDict &dict, const BinaryOrder &order, const Drain &d
     atom.Specify(kAtomText, magic, sizeof magic);
     put(atom);
     KV_BinPackUValDict body;
-    BinaryWriting::specify(body, dict, order);
+    body.Specify(&dict);
     put(body);
     drain(block, static_cast<std::size_t>(cursor - block), true);
 }
 
-void append(KV_UValDict &dict, const BinaryOrder &order, KV_Stream &stream) {
-    putThroughBlock(dict, order, [&stream](const unsigned char *block, std::size_t size, bool isLast) {
+void append(KV_UValDict &dict, KV_Stream &stream) {
+    putThroughBlock(dict, [&stream](const unsigned char *block, std::size_t size, bool isLast) {
         // A stream in memory that has failed before takes bytes and drops them.
         if (stream.Write(block, 1, size) == size && (!isLast || stream.GetLastError() == 0)) return;
         throw KV_FileException(isLast ? "AppendBinToStream written buffer differs from given buffer"
@@ -154,7 +154,8 @@ void KV_UValDict::AppendBinToStream(KV_Stream *stream) {
         throw KV_FileException("AppendBinToStream failed because file is not open",
                                KV_FileException::WriteError, 0, KV_HERE);
     }
-    append(*this, orderWithinLimits(*this), *stream);
+    checkBinaryLimits(*this);
+    append(*this, *stream);
 }
 
 void KV_UValDict::ReadBinFromStream(KV_Stream *stream) {
@@ -170,10 +171,10 @@ void KV_UValDict::ReadBinFromStream(KV_Stream *stream) {
 }
 
 void KV_UValDict::WriteBinFile(KV_FileSpec &file) {
-    const BinaryOrder order = orderWithinLimits(*this);  // before the file is emptied
+    checkBinaryLimits(*this);  // before the file is emptied
     KV_FStream stream(file);
     open(stream, "w", KV_FileException::OpenWrError, "WriteBinFile could not open file for write");
-    append(*this, order, stream);
+    append(*this, stream);
     if (!stream.Close()) {
         throw KV_FileException("WriteBinFile could not write the complete file", KV_FileException::WriteError,
                                0, KV_HERE);
@@ -187,10 +188,10 @@ void KV_UValDict::ReadBinFile(KV_FileSpec &file) {
 }
 
 std::int32_t KV_UValDict::ByteSize() {
-    const BinaryOrder order = orderWithinLimits(*this);
+    checkBinaryLimits(*this);
     constexpr std::uint64_t kMost = std::numeric_limits<std::int32_t>::max();
     std::uint64_t total = 0;
-    putThroughBlock(*this, order, [&total](const unsigned char *, std::size_t size, bool) { total += size; });
+    putThroughBlock(*this, [&total](const unsigned char *, std::size_t size, bool) { total += size; });
     return static_cast<std::int32_t>(std::min(total, kMost));
 }
 

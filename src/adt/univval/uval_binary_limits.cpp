@@ -1,7 +1,6 @@
-// What a dictionary may not have if it is to be written in binary form, and the order in which it is written.
+// What a dictionary may not have if it is to be written in binary form.
 
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "binary_form.h"
@@ -19,7 +18,7 @@ class LimitCheck {
 public:
     explicit LimitCheck(KV_UValDict &root) { enter(root); }
 
-    BinaryOrder run() {
+    void run() {
         while (!m_levels.empty()) {
             Level &level = m_levels.back();
             if (level.next == level.end) {
@@ -30,10 +29,8 @@ public:
             if (entry->first.size() >= kLongestText) fail("the key of ", " is longer than 32766 bytes");
             if (!spendSeparators(m_separators, entry->first))
                 fail("the key of ", " has a separator too many for a file");
-            m_order.push_back({&entry->first, entry->second});
             if (entry->second != nullptr) check(*entry->second);
         }
-        return std::move(m_order);
     }
 
 private:
@@ -94,7 +91,6 @@ private:
         return path.substr(0, kEnds) + "..." + path.substr(path.size() - kEnds);
     }
 
-    BinaryOrder m_order;
     std::vector<Level> m_levels;
     std::uint32_t m_pointers = 0;              // elements so far
     std::uint64_t m_separators = kSeparators;  // of keys that may still come
@@ -102,6 +98,6 @@ private:
 
 }  // namespace
 
-BinaryOrder orderWithinLimits(KV_UValDict &dict) { return LimitCheck(dict).run(); }
+void checkBinaryLimits(KV_UValDict &dict) { LimitCheck(dict).run(); }
 
 }  // namespace kv::detail

@@ -126,8 +126,6 @@ void KV_BinPackUValDict::Specify(KV_UValDict *dictionary) {
     m_pointers = 0;
     m_separators = kSeparators;
     m_levels.clear();
-    m_order = nullptr;
-    m_next = 0;
     m_rest = kUnknown;
     m_newValue.reset();
     m_frames.clear();

@@ -1,6 +1,5 @@
 // The upper layer of the binary form, writing.
 
-#include <algorithm>
 #include <bit>
 #include <cstring>
 
@@ -34,13 +33,6 @@ bool putAtom(unsigned char *&at, const unsigned char *end, int type, const Eleme
     return true;
 }
 
-/// Tells the processor what is going to be read.
-void prefetch([[maybe_unused]] const void *at) {
-#if defined(__GNUC__)
-    __builtin_prefetch(at);
-#endif
-}
-
 /// The length of a text with its zero.
 std::uint16_t lengthWithZero(std::size_t size) {
     if (size >= kLongestText) throw KV_BinPackException();
@@ -54,35 +46,6 @@ const KV_Str &textOf(KV_UVal &value, std::int32_t index) {
 }
 
 }  // namespace
-
-void BinaryWriting::specify(KV_BinPackUValDict &layer, KV_UValDict &dict, const BinaryOrder &order) {
-    layer.Specify(&dict);
-    layer.m_order = &order;
-}
-
-// Have the next entry in hand; false behind the last one.
-bool KV_BinPackUValDict::nextOfLevels() {
-    while (!m_levels.empty() && m_levels.back().next == m_levels.back().end)
-        m_levels.pop_back();
-    if (m_levels.empty()) return false;
-    const auto entry = m_levels.back().next++;
-    m_keyInHand = &entry->first;
-    m_value = entry->second;
-    if (!spendSeparators(m_separators, *m_keyInHand)) throw KV_BinPackException();
-    return true;
-}
-
-bool KV_BinPackUValDict::nextInOrder() {
-    constexpr std::size_t kAhead = 8;  // measured: on its way to the processor when it is needed
-    if (m_next == m_order->size()) return false;
-    const BinaryEntry &ahead = (*m_order)[std::min(m_next + kAhead, m_order->size() - 1)];
-    prefetch(ahead.key);
-    prefetch(ahead.value);
-    m_keyInHand = (*m_order)[m_next].key;
-    m_value = (*m_order)[m_next].value;
-    ++m_next;
-    return true;
-}
 
 int KV_BinPackUValDict::Put(unsigned char **cursor, const unsigned char *end) {
     if (m_atomOpen && m_atom.Put(cursor, end) != 0) return 1;
@@ -102,17 +65,23 @@ int KV_BinPackUValDict::Put(unsigned char **cursor, const unsigned char *end) {
         case State::Level: {
             KV_UValDict::Map &map = *static_cast<KV_UValDict *>(m_value)->GetValuePtr();
             if (map.size() > kMostEntries) throw KV_BinPackException();
-            if (m_order == nullptr) m_levels.push_back({map.begin(), map.end()});
+            m_levels.push_back({map.begin(), map.end()});
             m_size = static_cast<std::uint16_t>(map.size());
             m_state = State::NextEntry;
             if (!put(kAtom16, &m_size, 1)) return 1;
             [[fallthrough]];
         }
         case State::NextEntry:
-            if (!(m_order != nullptr ? nextInOrder() : nextOfLevels())) {
+            while (!m_levels.empty() && m_levels.back().next == m_levels.back().end)
+                m_levels.pop_back();
+            if (m_levels.empty()) {
                 m_state = State::Done;
                 continue;
             }
+            m_keyInHand = &m_levels.back().next->first;
+            m_value = m_levels.back().next->second;
+            ++m_levels.back().next;
+            if (!spendSeparators(m_separators, *m_keyInHand)) throw KV_BinPackException();
             m_keyLength = lengthWithZero(m_keyInHand->size());
             m_state = State::Key;
             if (!put(kAtom16, &m_keyLength, 1)) return 1;
