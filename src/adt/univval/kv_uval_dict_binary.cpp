@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 #include <limits>
+#include <memory>
 #include <vector>
 
 #include "binary_form.h"
@@ -18,41 +19,105 @@ namespace {
 
 constexpr std::size_t kBlockSize = 512;
 
-/// Puts header and dictionary into a block and calls drain(block, bytes, isLast) each time that it is full
-/// and there is more, and with the last one, which is never empty.
-template <class Drain>
-void putThroughBlock(KV_UValDict &dict, const Drain &drain) {
-    unsigned char block[kBlockSize];
-    unsigned char *cursor = block;
-    const auto put = [&](auto &layer) {
-        while (layer.Put(&cursor, block + kBlockSize) != 0) {
-            drain(block, kBlockSize, false);
-            cursor = block;
-        }
-    };
+/// Puts the bytes in front of every dictionary. Where the next one goes.
+unsigned char *putHeader(unsigned char *at, const unsigned char *end) {
     std::uint16_t magicLength = sizeof kBinaryMagic;
     char magic[sizeof kBinaryMagic];
     std::memcpy(magic, kBinaryMagic, sizeof magic);
     KV_BinPackAtom atom;
     atom.Specify(kAtom16, &magicLength, 1);
-    put(atom);
+    atom.Put(&at, end);
     atom.Specify(kAtomText, magic, sizeof magic);
-    put(atom);
+    atom.Put(&at, end);
+    return at;
+}
+
+/// Puts header and dictionary into a block and calls drain(block, bytes, isLast) each time that it is full
+/// and there is more, and with the last one, which is never empty.
+template <class Drain>
+void putThroughBlock(KV_UValDict &dict, const Drain &drain) {
+    unsigned char block[kBlockSize];
+    unsigned char *cursor = putHeader(block, block + kBlockSize);
     KV_BinPackUValDict body;
     body.Specify(&dict);
-    put(body);
+    while (body.Put(&cursor, block + kBlockSize) != 0) {
+        drain(block, kBlockSize, false);
+        cursor = block;
+    }
     drain(block, static_cast<std::size_t>(cursor - block), true);
 }
 
-void append(KV_UValDict &dict, KV_Stream &stream) {
-    putThroughBlock(dict, [&stream](const unsigned char *block, std::size_t size, bool isLast) {
-        // A stream in memory that has failed before takes bytes and drops them.
-        if (stream.Write(block, 1, size) == size && (!isLast || stream.GetLastError() == 0)) return;
-        throw KV_FileException(isLast ? "AppendBinToStream written buffer differs from given buffer"
-                                      : "AppendBinToStream could not write the complete buffer",
-                               KV_FileException::WriteError, 0, KV_HERE);
-    });
+/// Does what packs a dictionary. When it comes to what has no place in the form, throws what
+/// checkBinaryLimits tells about it.
+template <class Pack>
+void packOrSay(KV_UValDict &dict, const Pack &pack) {
+    try {
+        pack();
+    } catch (const KV_BinPackException &) {
+        checkBinaryLimits(dict);
+        throw;
+    }
 }
+
+/// A dictionary that is within the limits, on its way to a stream. Whether it is turns out as it is packed;
+/// so that nothing is written before, its bytes are held. Of a large one they are not: there the limits are
+/// looked at first, which takes another walk through the tree.
+class CheckedDictionary {
+public:
+    explicit CheckedDictionary(KV_UValDict &dict) : m_dict(dict) {
+        bool isHeld = false;
+        packOrSay(dict, [&] { isHeld = hold(); });
+        if (isHeld) return;
+        m_segments.clear();
+        checkBinaryLimits(dict);
+    }
+
+    void write(KV_Stream &stream) const {
+        const auto drain = [&stream](const unsigned char *block, std::size_t size, bool isLast) {
+            // A stream in memory that has failed before takes bytes and drops them.
+            if (stream.Write(block, 1, size) == size && (!isLast || stream.GetLastError() == 0)) return;
+            throw KV_FileException(isLast ? "AppendBinToStream written buffer differs from given buffer"
+                                          : "AppendBinToStream could not write the complete buffer",
+                                   KV_FileException::WriteError, 0, KV_HERE);
+        };
+        if (m_segments.empty()) {
+            putThroughBlock(m_dict, drain);
+            return;
+        }
+        for (const std::unique_ptr<Segment> &segment : m_segments) {
+            const bool isLast = segment == m_segments.back();
+            const std::size_t size = isLast ? m_lastSize : sizeof(Segment);
+            for (std::size_t at = 0; at < size; at += kBlockSize)
+                drain(segment->bytes + at, std::min(kBlockSize, size - at),
+                      isLast && size - at <= kBlockSize);
+        }
+    }
+
+private:
+    struct Segment {
+        unsigned char bytes[1 << 16];
+    };
+    static constexpr std::size_t kMostSegments = 64;  // 4 MiB
+
+    // False when there is more than is held.
+    bool hold() {
+        KV_BinPackUValDict body;
+        body.Specify(&m_dict);
+        while (m_segments.size() < kMostSegments) {
+            m_segments.push_back(std::make_unique_for_overwrite<Segment>());
+            unsigned char *const begin = m_segments.back()->bytes, *const end = begin + sizeof(Segment);
+            unsigned char *cursor = m_segments.size() == 1 ? putHeader(begin, end) : begin;
+            const bool isDone = body.Put(&cursor, end) == 0;
+            m_lastSize = static_cast<std::size_t>(cursor - begin);
+            if (isDone) return true;
+        }
+        return false;
+    }
+
+    KV_UValDict &m_dict;
+    std::vector<std::unique_ptr<Segment>> m_segments;
+    std::size_t m_lastSize = 0;  // bytes in the last one
+};
 
 /// A stream read block by block.
 class BlockReader {
@@ -154,8 +219,7 @@ void KV_UValDict::AppendBinToStream(KV_Stream *stream) {
         throw KV_FileException("AppendBinToStream failed because file is not open",
                                KV_FileException::WriteError, 0, KV_HERE);
     }
-    checkBinaryLimits(*this);
-    append(*this, *stream);
+    CheckedDictionary(*this).write(*stream);
 }
 
 void KV_UValDict::ReadBinFromStream(KV_Stream *stream) {
@@ -171,10 +235,10 @@ void KV_UValDict::ReadBinFromStream(KV_Stream *stream) {
 }
 
 void KV_UValDict::WriteBinFile(KV_FileSpec &file) {
-    checkBinaryLimits(*this);  // before the file is emptied
+    const CheckedDictionary checked(*this);  // before the file is emptied
     KV_FStream stream(file);
     open(stream, "w", KV_FileException::OpenWrError, "WriteBinFile could not open file for write");
-    append(*this, stream);
+    checked.write(stream);
     if (!stream.Close()) {
         throw KV_FileException("WriteBinFile could not write the complete file", KV_FileException::WriteError,
                                0, KV_HERE);
@@ -188,10 +252,11 @@ void KV_UValDict::ReadBinFile(KV_FileSpec &file) {
 }
 
 std::int32_t KV_UValDict::ByteSize() {
-    checkBinaryLimits(*this);
     constexpr std::uint64_t kMost = std::numeric_limits<std::int32_t>::max();
     std::uint64_t total = 0;
-    putThroughBlock(*this, [&total](const unsigned char *, std::size_t size, bool) { total += size; });
+    packOrSay(*this, [&] {
+        putThroughBlock(*this, [&](const unsigned char *, std::size_t size, bool) { total += size; });
+    });
     return static_cast<std::int32_t>(std::min(total, kMost));
 }
 
