@@ -329,6 +329,21 @@ TEST(BinaryForm, RefusesWhatItCannotHoldBeforeTheFirstByte) {
     }
 }
 
+// What is too large to be held until it is known to fit.
+TEST(BinaryForm, LargeDictionariesAreWrittenWholeOrNotAtAll) {
+    KV_UValDict dict(16384);
+    dict.DefineUVal("a", KV_UVAL_CHAR, 5 << 20, nullptr)->SetLongValue(7, (5 << 20) - 1);
+    KV_UVal *text = dict.DefineUVal("b", KV_UVAL_STRING, 0, nullptr);
+    KV_BinPackUValDict packer;
+    packer.Specify(&dict);
+    EXPECT_TRUE(writtenBinary(dict).substr(24) == putInBlocks(packer, 1 << 20));
+    text->SetStrValue(KV_String('k', 40000), 0);
+    KV_SStream stream;
+    EXPECT_NE(failure([&] { dict.AppendBinToStream(&stream); }).find("b has a text of more"),
+              std::string::npos);
+    EXPECT_EQ(stream.Length(), 0U);
+}
+
 // Keys with separators come into a dictionary through its map; in a file they are paths.
 TEST(BinaryForm, SeparatorsInKeysAreLimited) {
     for (const std::size_t beyond : {0, 1}) {
