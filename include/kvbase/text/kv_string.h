@@ -141,7 +141,7 @@ protected:
     /// Appends n bytes at s, which may lie in the own text.
     void concatInPlace(std::uint32_t n, const char *s) {
         if (n > m_capacity - m_length) {
-            concatCopy(m_length, m_data, n, s);
+            appendBeyond(n, s);
         } else if (n != 0) {
             char *const end = m_data + m_length;
             m_length += n;
@@ -194,6 +194,7 @@ protected:
 private:
     [[noreturn]] static void throwTooLong();
     void assignBeyond(std::uint32_t n, const char *s);
+    void appendBeyond(std::uint32_t n, const char *s);
 };
 
 /// A range of a string's bytes. It owns nothing, is not terminated at its end, and stays valid as long as its

@@ -99,6 +99,18 @@ void KV_Str::assignBeyond(std::uint32_t n, const char *s) {
     install(buffer, n, capacity);
 }
 
+// The way of every string that grows, so it makes as few calls as it can.
+void KV_Str::appendBeyond(std::uint32_t n, const char *s) {
+    const std::uint32_t total = toLength(std::uint64_t{m_length} + n), capacity = grownCapacity(total);
+    char *const buffer = static_cast<char *>(::operator new (std::size_t{capacity} + 1));
+    std::memcpy(buffer, m_data, m_length);
+    std::memcpy(buffer + m_length, s, n);
+    if (m_capacity != 0) ::operator delete(m_data);
+    m_data = buffer;
+    m_capacity = capacity;
+    setLength(total);
+}
+
 void KV_Str::concatCopy(std::uint32_t n1, const char *s1, std::uint32_t n2, const char *s2) {
     const std::uint32_t total = toLength(std::uint64_t{n1} + n2);
     if (total <= m_capacity) {
