@@ -54,9 +54,9 @@ void encipherBlock(const std::uint32_t *p, const std::uint32_t *s, std::uint32_t
 constexpr std::size_t kInFlight = 8;  // measured: more gains nothing
 
 #if defined(__GNUC__)
-#    define KV_UNROLL_IN_FLIGHT _Pragma("GCC unroll 8")
+#    define KV_UNROLL _Pragma("GCC unroll 8")
 #else
-#    define KV_UNROLL_IN_FLIGHT
+#    define KV_UNROLL
 #endif
 
 // kInFlight blocks side by side. A block is a chain of loads that wait for each other; the processor fills
@@ -64,24 +64,25 @@ constexpr std::size_t kInFlight = 8;  // measured: more gains nothing
 void encipherTogether(const std::uint32_t *p, const std::uint32_t *s, const unsigned char *in,
                       unsigned char *out) {
     std::uint32_t left[kInFlight], right[kInFlight];
-    KV_UNROLL_IN_FLIGHT
+    KV_UNROLL
     for (std::size_t i = 0; i < kInFlight; ++i) {
         left[i] = loadHalf(in + kBlock * i) ^ p[0];
         right[i] = loadHalf(in + kBlock * i + kBlock / 2);
     }
+    KV_UNROLL
     for (int round = 1; round < kRounds; round += 2) {
-        KV_UNROLL_IN_FLIGHT
+        KV_UNROLL
         for (std::size_t i = 0; i < kInFlight; ++i) {
             right[i] ^= p[round];
             right[i] ^= mix(s, left[i]);
         }
-        KV_UNROLL_IN_FLIGHT
+        KV_UNROLL
         for (std::size_t i = 0; i < kInFlight; ++i) {
             left[i] ^= p[round + 1];
             left[i] ^= mix(s, right[i]);
         }
     }
-    KV_UNROLL_IN_FLIGHT
+    KV_UNROLL
     for (std::size_t i = 0; i < kInFlight; ++i) {
         storeHalf(right[i] ^ p[kRounds + 1], out + kBlock * i);
         storeHalf(left[i], out + kBlock * i + kBlock / 2);
