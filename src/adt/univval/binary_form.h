@@ -43,9 +43,10 @@ constexpr std::uint64_t kSeparators = 65536, kSeparatorsOfEntry = 2;
 
 /// Takes a key's separators from those that are left. False when these do not suffice.
 inline bool spendSeparators(std::uint64_t &left, std::string_view key) {
+    const char separator = KV_DictPath::GetSeparator();
     left += kSeparatorsOfEntry;
-    const auto count =
-        static_cast<std::uint64_t>(std::count(key.begin(), key.end(), KV_DictPath::GetSeparator()));
+    if (key.find(separator) == key.npos) return true;
+    const auto count = static_cast<std::uint64_t>(std::count(key.begin(), key.end(), separator));
     if (count > left) return false;
     left -= count;
     return true;
