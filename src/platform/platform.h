@@ -162,10 +162,27 @@ private:
     alignas(std::max_align_t) unsigned char m_native[64];  // the system's mutex lives in here
 };
 
+/// A mutex of the same rules that is an object of the kernel where the system tells the two apart, as Windows
+/// does. Private to the process, without a name.
+class KernelMutex {
+public:
+    /// Throws std::bad_alloc or std::system_error when the system has none left.
+    KernelMutex();
+    ~KernelMutex();
+    KernelMutex(const KernelMutex &) = delete;
+    KernelMutex &operator=(const KernelMutex &) = delete;
+    void lock();
+    void unlock();
+
+private:
+    struct State;
+    std::unique_ptr<State> m_state;
+};
+
 /// A counting semaphore within the process.
 class Semaphore {
 public:
-    /// A count outside 0..maximum, or lack of memory, makes one that is not valid.
+    /// A maximum below 1, a count outside 0..maximum, or lack of memory makes one that is not valid.
     Semaphore(int initial, int maximum);
     ~Semaphore();
     Semaphore(const Semaphore &) = delete;

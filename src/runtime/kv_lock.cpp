@@ -13,7 +13,7 @@ KV_Mutex::~KV_Mutex() = default;
 void KV_Mutex::Lock() { m_mutex->lock(); }
 void KV_Mutex::Unlock() { m_mutex->unlock(); }
 
-KV_MutexCacher::KV_MutexCacher() : m_mutex(std::make_unique<kv::platform::RecursiveMutex>()) {}
+KV_MutexCacher::KV_MutexCacher() : m_mutex(std::make_unique<kv::platform::KernelMutex>()) {}
 KV_MutexCacher::~KV_MutexCacher() = default;
 void KV_MutexCacher::Lock() { m_mutex->lock(); }
 void KV_MutexCacher::Unlock() { m_mutex->unlock(); }

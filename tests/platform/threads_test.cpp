@@ -32,4 +32,14 @@ TEST(PlatformThreads, EventLetsOneThroughForEachSignal) {
     other.join();
 }
 
+TEST(PlatformThreads, SemaphoreHasAPossibleCount) {
+    const struct {
+        int initial, maximum;
+        bool isValid;
+    } kCases[] = {{0, 1, true}, {1, 1, true}, {2, 1, false}, {-1, 1, false}, {0, 0, false}, {0, -1, false}};
+    for (const auto &c : kCases)
+        EXPECT_EQ(platform::Semaphore(c.initial, c.maximum).isValid(), c.isValid)
+            << c.initial << " of " << c.maximum;
+}
+
 }  // namespace

@@ -12,6 +12,7 @@
 #include "kvbase/base/export.h"
 
 namespace kv::platform {
+class KernelMutex;
 class RecursiveMutex;
 class Semaphore;
 }  // namespace kv::platform
@@ -37,7 +38,8 @@ private:
 };
 
 /// The mutex of a cache's tables: recursive and private to the process, as KV_Mutex, but a type of its own,
-/// so that the two kinds cannot be taken for each other.
+/// so that the two kinds cannot be taken for each other. On Windows it is a mutex of the kernel (without a
+/// name), where KV_Mutex is a critical section; each use is a call of the system there.
 class KV_EXPORT KV_MutexCacher {
 public:
     /// A mutex that nobody holds. Throws std::bad_alloc without memory for one, std::system_error when the
@@ -53,7 +55,7 @@ private:
     void Lock();
     void Unlock();
 
-    std::unique_ptr<kv::platform::RecursiveMutex> m_mutex;
+    std::unique_ptr<kv::platform::KernelMutex> m_mutex;
 };
 
 /// Holds a KV_Mutex from its construction to its end, or to Reset. Lives on the stack of one thread.

@@ -39,6 +39,18 @@ void RecursiveMutex::lock() { pthread_mutex_lock(nativeMutex(m_native)); }
 
 void RecursiveMutex::unlock() { pthread_mutex_unlock(nativeMutex(m_native)); }
 
+struct KernelMutex::State {
+    RecursiveMutex mutex;
+};
+
+KernelMutex::KernelMutex() : m_state(std::make_unique<State>()) {}
+
+KernelMutex::~KernelMutex() = default;
+
+void KernelMutex::lock() { m_state->mutex.lock(); }
+
+void KernelMutex::unlock() { m_state->mutex.unlock(); }
+
 struct Semaphore::State {
     State(int initial, int maximum) : count(initial), most(maximum) {}
 
@@ -49,7 +61,8 @@ struct Semaphore::State {
 };
 
 Semaphore::Semaphore(int initial, int maximum) {
-    if (initial >= 0 && initial <= maximum) m_state.reset(new (std::nothrow) State(initial, maximum));
+    if (maximum > 0 && initial >= 0 && initial <= maximum)
+        m_state.reset(new (std::nothrow) State(initial, maximum));
 }
 
 Semaphore::~Semaphore() = default;

@@ -12,6 +12,10 @@ CRITICAL_SECTION *nativeMutex(unsigned char *place) {
     return std::launder(reinterpret_cast<CRITICAL_SECTION *>(place));
 }
 
+[[noreturn]] void throwLastError(const char *what) {
+    throw std::system_error(static_cast<int>(GetLastError()), std::system_category(), what);
+}
+
 }  // namespace
 
 RecursiveMutex::RecursiveMutex() : m_native() {
@@ -25,6 +29,21 @@ RecursiveMutex::~RecursiveMutex() { DeleteCriticalSection(nativeMutex(m_native))
 void RecursiveMutex::lock() { EnterCriticalSection(nativeMutex(m_native)); }
 
 void RecursiveMutex::unlock() { LeaveCriticalSection(nativeMutex(m_native)); }
+
+struct KernelMutex::State {
+    detail::KernelHandle handle;
+};
+
+KernelMutex::KernelMutex() : m_state(std::make_unique<State>()) {
+    m_state->handle.reset(CreateMutexW(nullptr, FALSE, nullptr));
+    if (m_state->handle == nullptr) throwLastError("mutex");
+}
+
+KernelMutex::~KernelMutex() = default;
+
+void KernelMutex::lock() { WaitForSingleObject(m_state->handle.get(), INFINITE); }
+
+void KernelMutex::unlock() { ReleaseMutex(m_state->handle.get()); }
 
 struct Semaphore::State {
     detail::KernelHandle handle;
@@ -53,8 +72,7 @@ struct AutoResetEvent::State {
 
 AutoResetEvent::AutoResetEvent() : m_state(std::make_unique<State>()) {
     m_state->handle.reset(CreateEventW(nullptr, FALSE, FALSE, nullptr));
-    if (m_state->handle == nullptr)
-        throw std::system_error(static_cast<int>(GetLastError()), std::system_category(), "event");
+    if (m_state->handle == nullptr) throwLastError("event");
 }
 
 AutoResetEvent::~AutoResetEvent() = default;
