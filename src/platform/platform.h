@@ -141,7 +141,8 @@ Library loadLibraryFrom(const KV_WString &folder, const KV_WString &name, std::i
 /// Gives a library back; the last one to do so unloads it. Null is ignored.
 void freeLibrary(Library library);
 
-/// The address of an exported function, null when there is none. Null as library means the running program.
+/// The address of an exported function, null when there is none. Null as library means the running program
+/// alone, without the libraries that it has loaded.
 void *findSymbol(Library library, const char *name);
 
 // ---- threads ---------------------------------------------------------------------------------------------

@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <kvbase/base/export.h>
 
 #include <filesystem>
 
@@ -7,6 +8,8 @@
 
 namespace fs = std::filesystem;
 namespace platform = kv::platform;
+
+extern "C" KV_MODULE_EXPORT int exportedByTheProgram() { return 1; }
 
 namespace {
 
@@ -34,7 +37,13 @@ TEST(PlatformLibraries, AreSharedByAllWhoLoadThem) {
     EXPECT_EQ(platform::findSymbol(beside, "plainModule"), nullptr);
     platform::freeLibrary(beside);
     platform::freeLibrary(nullptr);
-    EXPECT_EQ(platform::findSymbol(nullptr, "plainModuleCall"), nullptr);
+}
+
+TEST(PlatformLibraries, NullIsTheProgramWithoutItsLibraries) {
+    EXPECT_EQ(platform::findSymbol(nullptr, "exportedByTheProgram"),
+              reinterpret_cast<void *>(&exportedByTheProgram));
+    EXPECT_EQ(platform::findSymbol(nullptr, "labs"), nullptr) << "of the C library";
+    EXPECT_EQ(platform::findSymbol(nullptr, "exportedByNobody"), nullptr);
 }
 
 TEST(PlatformLibraries, FolderGoesFirstAndTheCurrentFolderStays) {

@@ -1,4 +1,5 @@
 #include <dlfcn.h>
+#include <link.h>
 #include <sys/stat.h>
 
 #include <cerrno>
@@ -22,6 +23,14 @@ Library open(const std::string &file, std::int32_t &error) {
     struct stat facts = {};
     error = library != nullptr ? 0 : stat(file.c_str(), &facts) == 0 ? ENOEXEC : ENOENT;
     return library;
+}
+
+// Whether an address lies in the running program: it heads the list of what is loaded.
+bool isOfProgram(const void *address) {
+    Dl_info facts = {};
+    void *loaded = nullptr;
+    return dladdr1(address, &facts, &loaded, RTLD_DL_LINKMAP) != 0 &&
+           static_cast<const link_map *>(loaded)->l_prev == nullptr;
 }
 
 bool holdsZero(const KV_WString &path) { return path.find(KV_WChar{0}) != KV_WString::npos; }
@@ -52,7 +61,9 @@ void freeLibrary(Library library) {
 }
 
 void *findSymbol(Library library, const char *name) {
-    return dlsym(library != nullptr ? library : RTLD_DEFAULT, name);
+    if (library != nullptr) return dlsym(library, name);
+    void *symbol = dlsym(RTLD_DEFAULT, name);  // looks into the program first, then into its libraries
+    return symbol != nullptr && isOfProgram(symbol) ? symbol : nullptr;
 }
 
 }  // namespace kv::platform
