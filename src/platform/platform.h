@@ -64,7 +64,8 @@ bool deleteFile(const KV_WString &path);
 
 /// Whether anything, file or directory, is found at the path. The last component may hold the wild cards "*"
 /// and "?"; a ".*" at the end also matches nothing, so that "*.*" matches all names. On POSIX names match
-/// with their case, and "." and ".." match no wild card; on Windows as FindFirstFileW matches. A link counts
+/// with their case, and "." and ".." match no wild card, nor do names that no path of this library stands for
+/// (with a backslash, or bytes that are no UTF-8); on Windows as FindFirstFileW matches. A link counts
 /// wherever it leads, and a path that ends in a separator finds nothing.
 bool pathExists(const KV_WString &path);
 
@@ -88,8 +89,9 @@ DirectoryOutcome createDirectory(const KV_WString &path);
 void setNormalAttributes(const KV_WString &path);
 
 /// The names (without their directory) that match a path whose last component holds wild cards, in ascending
-/// order of their units, by the rules of pathExists. A last component without wild cards gives itself when it
-/// exists.
+/// order of their units, by the rules of pathExists. A last component without wild cards gives the name that
+/// it finds, which on Windows may differ in case. Nothing is found in what is no folder, or none that can be
+/// read.
 std::vector<KV_WString> findNames(const KV_WString &pattern);
 
 /// A path of this library as the system spells it, in UTF-8: "a\b" is "a/b" on POSIX. Unpaired surrogates

@@ -22,7 +22,10 @@ protected:
             std::ofstream(m_folder / file, std::ios::binary) << "0123456789";
         std::ofstream(m_folder / u8"\u00E9\U0001F600.txt") << "x";
         fs::create_directories(m_folder / "dir/inner");
-        if (!kOnWindows) fs::create_symlink("nowhere", m_folder / "link");
+        if (kOnWindows) return;
+        fs::create_symlink("nowhere", m_folder / "link");
+        for (const char *untold : {"back\\slash", "no UTF-8 \xFF"})  // no path of the library leads there
+            std::ofstream(m_folder / untold) << "x";
     }
 
     KV_WString at(const KV_WString &name) const {
@@ -57,7 +60,9 @@ TEST_F(PlatformFiles, FindsByPatternInOrder) {
         {"dots apart", KV_W("dir\\inner\\*"), {}},
         {"wild folder", KV_W("d*\\inner"), {}},
         {"link that leads nowhere", KV_W("link"), here({KV_W("link")}, {})},
+        {"name with a separator of ours", KV_W("back*"), {}},
         {"missing folder", KV_W("none\\*"), {}},
+        {"file for a folder", KV_W("plain\\*"), {}},
         {"separator at the end", KV_W("dir\\"), {}},
         {"zero unit", KV_WString(KV_W("plain\0x"), 7), {}},
     };

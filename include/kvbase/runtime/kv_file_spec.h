@@ -49,9 +49,10 @@ public:
 
     /// True when the file system finds anything at the path: a file, a directory, also a link that leads
     /// nowhere. The last component may hold the wild cards "*" and "?"; such a path exists when any name of
-    /// its directory matches: on Windows as FindFirstFileW matches, on POSIX any but "." and "..". Case
-    /// counts where it does in the file system; on POSIX always beside wild cards. A path that ends in a
-    /// separator, and the empty path, give false; nothing is reported.
+    /// its directory matches: on Windows as FindFirstFileW matches, on POSIX any but "." and ".." and those
+    /// for which no path of this class stands (with a backslash, or bytes that are no UTF-8). Case counts
+    /// where it does in the file system; on POSIX always beside wild cards. A path that ends in a separator,
+    /// and the empty path, give false; nothing is reported.
     bool FileExists() const;
 
     /// The whole path, not its last component. The reference holds until the path changes. An empty path is

@@ -54,8 +54,9 @@ std::vector<KV_WString> matchingNames(const Place &place, std::size_t most) {
         const dirent *entry = readdir(directory.get());
         if (entry == nullptr) break;
         KV_WString name = fromNativePath(entry->d_name);
-        if (name != KV_W(".") && name != KV_W("..") && detail::matchesWildcards(place.name, name))
-            names.push_back(std::move(name));
+        const bool isDots = name == KV_W(".") || name == KV_W("..");
+        const bool isTold = nativePath(name) == entry->d_name;  // else it names another file, or none
+        if (!isDots && isTold && detail::matchesWildcards(place.name, name)) names.push_back(std::move(name));
     }
     return names;
 }
