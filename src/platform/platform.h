@@ -33,7 +33,9 @@ struct Conversion {
 
 /// Text of a code page to 16-bit units, embedded zeros included. Bytes that mean nothing there become U+FFFD.
 /// The default code page of a process that never chose a locale is UTF-8 on POSIX, as its file names are. The
-/// system's tables decide; they hold no look-alikes for what a code page lacks.
+/// system's tables decide; they hold no look-alikes for what a code page lacks. For code pages with a shift
+/// state, such as those of ISO 2022, Windows decides what stands for such bytes, and only where that is
+/// U+FFFD do they count as replaced.
 Conversion toUnits(int codePage, std::string_view text, KV_WString &out);
 
 /// 16-bit units to text of a code page, embedded zeros included. A unit that has no form there becomes "?",

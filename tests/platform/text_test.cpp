@@ -46,6 +46,7 @@ const CodePageCase kToUnits[] = {
 const CodePageCase kOfTheSystem[] = {
 #if defined(_WIN32)
     {"1252 hole, a control character", 1252, "a\x81z", KV_W("a\u0081z")},
+    {"UTF-7, with a shift state", 65000, "a+ZeU-", KV_W("a\u65E5")},
     {"default", 0, "\xE9", KV_W("\u00E9")},
 #else
     {"1252 hole", 1252, "a\x81z", KV_W("a\uFFFDz")},
@@ -86,6 +87,8 @@ TEST(PlatformText, ToUnitsAndBack) {
 TEST(PlatformText, FourBytesOfGb18030) {
     if (onWine()) GTEST_SKIP() << "Wine lacks code page 54936";
     expectBothWays({"beyond the first plane", 54936, "\x94\x39\xDA\x33", KV_W("\U0001F4A9")});
+    expectBothWays({"a byte that is none behind it", 54936, "\x94\x39\xDA\x33\xFF\xD6\xD0z",
+                    KV_W("\U0001F4A9\uFFFD\u4E2Dz")});
 }
 
 TEST(PlatformText, FromUnitsReplaces) {

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <clocale>
 #include <limits>
 
@@ -40,6 +41,15 @@ std::int32_t append(UINT codePage, DWORD flags, std::basic_string_view<KV_WChar>
     return 0;
 }
 
+// Appends the first character of a text and gives its length; 0 when its bytes mean nothing there.
+std::size_t appendFirst(UINT codePage, std::string_view text, KV_WString &out) {
+    constexpr std::size_t kLongest = 4;  // in GB18030; no other code page has more than 2 bytes
+    const std::size_t shortest = IsDBCSLeadByteEx(codePage, static_cast<BYTE>(text[0])) != 0 ? 2 : 1;
+    for (std::size_t length = shortest; length <= std::min(kLongest, text.size()); ++length)
+        if (append(codePage, MB_ERR_INVALID_CHARS, text.substr(0, length), out) == 0) return length;
+    return 0;
+}
+
 }  // namespace
 
 Conversion toUnits(int codePage, std::string_view text, KV_WString &out) {
@@ -50,15 +60,15 @@ Conversion toUnits(int codePage, std::string_view text, KV_WString &out) {
     if (text.empty()) return {IsValidCodePage(page) || page == CP_ACP ? 0 : ERROR_INVALID_PARAMETER, false};
 
     std::int32_t error = append(page, MB_ERR_INVALID_CHARS, text, out);
-    if (error == ERROR_INVALID_FLAGS) error = append(page, 0, text, out);  // pages with a shift state
+    if (error == ERROR_INVALID_FLAGS) {  // pages with a shift state: the system does not tell
+        error = append(page, 0, text, out);
+        return {error, out.find(kReplacement) != KV_WString::npos};
+    }
     if (error != ERROR_NO_UNICODE_TRANSLATION) return {error, false};
-    // One character after the other: which of them mean nothing?
     while (!text.empty()) {
-        const std::size_t length =
-            IsDBCSLeadByteEx(page, static_cast<BYTE>(text[0])) != 0 && text.size() > 1 ? 2 : 1;
-        const bool known = append(page, MB_ERR_INVALID_CHARS, text.substr(0, length), out) == 0;
-        if (!known) out += kReplacement;
-        text.remove_prefix(known ? length : 1);
+        const std::size_t length = appendFirst(page, text, out);
+        if (length == 0) out += kReplacement;
+        text.remove_prefix(std::max<std::size_t>(length, 1));
     }
     return {0, true};
 }
