@@ -17,7 +17,9 @@ bool systemPath(const KV_WString &path, KV_WString &out) {
     if (path.find(KV_WChar{0}) != KV_WString::npos) return false;
     if (path.empty() || begins(path, L"\\\\?\\") || begins(path, L"\\\\.\\")) return true;
     const KV_WString absolute = absolutePath(path);
-    if (absolute.size() < kLongestPlain || begins(absolute, L"\\\\.\\")) return true;
+    const bool fits = std::max(path.size(), absolute.size()) < kLongestPlain;
+    // Where there is no absolute path, the call itself says why.
+    if (fits || absolute.empty() || begins(absolute, L"\\\\.\\")) return true;
     out = begins(absolute, L"\\\\") ? L"\\\\?\\UNC\\" + absolute.substr(2) : L"\\\\?\\" + absolute;
     return true;
 }

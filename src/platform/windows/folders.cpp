@@ -3,6 +3,13 @@
 
 namespace kv::platform {
 
+namespace {
+
+// Whether a path begins with a drive and its root, or with a server.
+bool isAbsolute(const KV_WString &path) { return path.find(L":\\") == 1 || path.find(L"\\\\") == 0; }
+
+}  // namespace
+
 KV_WString programPath() {
     // Cut to the buffer's size it may lack its zero; that length asks for a larger one.
     return detail::filledBy(
@@ -32,7 +39,7 @@ KV_WString userDataFolder() {
         folder.resize(folder.find_last_not_of(KV_WChar{0}) + 1);  // the zero counts in the bytes
     }
     RegCloseKey(key);
-    return folder;
+    return isAbsolute(folder) ? folder : KV_WString();
 }
 
 }  // namespace kv::platform

@@ -20,6 +20,7 @@ Library loadLibrary(const KV_WString &path, std::int32_t &error) { return load(p
 Library loadLibraryFrom(const KV_WString &folder, const KV_WString &name, std::int32_t &error) {
     const KV_WString path = folder + KV_W('\\') + name;
     const bool isPath = path.find(KV_WChar{0}) == KV_WString::npos;
+    // Empty, and with that refused, when the system can't make it absolute.
     return load(isPath ? detail::absolutePath(path) : path, LOAD_WITH_ALTERED_SEARCH_PATH, error);
 }
 
