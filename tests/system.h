@@ -10,6 +10,10 @@ constexpr bool kOnWindows = true;
 constexpr bool kOnWindows = false;
 #endif
 
+// On Windows nobody else may read a file while it is open for writing, nor write to it while it is open at
+// all.
+constexpr bool kOpenFilesAreShared = !kOnWindows;
+
 // Whether Windows is played by Wine, which lacks some of what Windows has.
 inline bool onWine() {
     std::int32_t error = 0;

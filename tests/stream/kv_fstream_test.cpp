@@ -27,8 +27,18 @@ TEST_F(FStream, OpensByMode) {
         const char *mode;
         bool opens;
         const char *bytes;  // of "old", after an 'X' was written
-    } kCases[] = {{"r", true, "old"},   {"r+", true, "Xld"}, {"ab+", true, "oldX"},
-                  {"wx", false, "old"}, {"", false, "old"},  {"w", true, "X"}};
+    } kCases[] = {{"r", true, "old"},
+                  {"r+", true, "Xld"},
+                  {"ab+", true, "oldX"},
+                  {"w", true, "X"},
+                  {"r+tcS", true, "Xld"},
+                  {"wx", false, "old"},  // the file is there; on Windows no mode
+                  {"", false, "old"},
+                  {"+r", false, "old"},
+                  // POSIX passes over what it does not know.
+                  {"rtb", !kOnWindows, "old"},
+                  {"rr", !kOnWindows, "old"},
+                  {"r+z", !kOnWindows, kOnWindows ? "old" : "Xld"}};
     for (const auto &c : kCases) {
         fill("f", "old");
         KV_FStream stream(spec("f"));
@@ -54,7 +64,9 @@ TEST_F(FStream, TextOperations) {
     EXPECT_TRUE(stream.Putf(1.5f) > 0 && stream.Putd(7) > 0 && stream.Puts("x\nlast") != '\xFF');
     EXPECT_EQ(stream.Putc('\xFE'), '\xFE');
     EXPECT_EQ(stream.Flush(), 0U);
-    EXPECT_EQ(bytes("f"), "  1.5000 7 x\nlast\xFE");
+    if (kOpenFilesAreShared) {
+        EXPECT_EQ(bytes("f").size(), 18U);
+    }
     stream.Seek(-11, KV_Stream::SeekFromEnd);
     stream.Seek(2, KV_Stream::SeekFromCurrent);
     EXPECT_EQ(stream.Getc(), '7');
@@ -68,6 +80,20 @@ TEST_F(FStream, TextOperations) {
     EXPECT_EQ(stream.Gets(line, 8), nullptr);
     EXPECT_EQ(stream.Getc(), '\xFF');
     EXPECT_TRUE(stream.EndOfFile());
+    stream.Close();
+    EXPECT_EQ(bytes("f"), "  1.5000 7 x\nlast\xFE");
+}
+
+TEST_F(FStream, OpenFilesAreSharedAsTheSystemDoes) {
+    if (onWine()) GTEST_SKIP() << "Wine lets others open a file that is being written";
+    fill("f", "old");
+    KV_FStream first = opened("f", "r"), second = opened("f", "r");
+    KV_FStream third(spec("f"));
+    EXPECT_EQ(third.Open("r+", false), kOpenFilesAreShared) << "two read it";
+    first.Close();
+    second.Close();
+    third = opened("f", "r+");
+    EXPECT_EQ(first.Open("r", false), kOpenFilesAreShared) << "one may write to it";
 }
 
 TEST_F(FStream, LengthIsTheLow32Bits) {
@@ -85,6 +111,7 @@ TEST_F(FStream, CopiesShareOneFile) {
     { EXPECT_TRUE(KV_FStream(stream) == stream); }
     EXPECT_EQ(stream.Putc('a'), 'a');  // the copy went, the file stays open
     KV_FStream other = stream;
+    *other.GetFileSpec() = spec("g");
     EXPECT_TRUE(other.Open("a", false));  // leaves the shared file to the first
     EXPECT_TRUE(other != stream);
     KV_FStream third = stream;

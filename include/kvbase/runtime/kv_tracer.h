@@ -80,8 +80,9 @@ public:
     /// fileName as it is. It is UTF-8, with backslashes as separators. On POSIX that folder is the first of
     /// $APPDATA, $XDG_DATA_HOME and $HOME/.local/share that is set to an absolute path. A file of that name
     /// is replaced. The new one is text, begins with a banner that tells the time, and is flushed after each
-    /// line, so it is whole however the process ends. True when this call has opened a file. A file that
-    /// can't be opened is reported to the tracer, and text goes to the standard output.
+    /// line, so it is whole however the process ends. On Windows nobody can read it while it is open, and one
+    /// of that name that is open elsewhere is not replaced. True when this call has opened a file. A file
+    /// that can't be opened is reported to the tracer, and text goes to the standard output.
     static bool StartTracing(bool toFile, KV_String fileName);
     /// Ends the trace file with the time, and closes it; further text goes to the standard output. Waits for
     /// a line that is being written. Without a file it does nothing.

@@ -43,7 +43,14 @@ public:
     /// Opens the file; of mode the first 5 characters count. Without text and without a 'b' in it, a 'b' is
     /// appended to the mode where one more character fits. An open stream gives up its former file first,
     /// which closes it unless a copy still has it open. On failure writes two error lines to the trace,
-    /// and one before them when the name is not set.
+    /// and one before them when the name is not set. Programs that the process starts do not inherit the
+    /// file.
+    ///
+    /// What else a mode may hold is up to the system. POSIX passes over letters that it does not know, and
+    /// lets anybody open, rename or delete a file that is open. Windows takes one of r, w and a at the
+    /// beginning, then at most one letter of each of "+", "bt", "cn", "SR", "T" and "D" (so no "x", and no
+    /// "rtb"), and opens nothing with any other mode. There nobody, this process included, can write to,
+    /// rename or delete a file while it is open, nor read it while it is open for writing.
     bool Open(const char *mode, bool text) override;
     /// Closes the file. False when buffered bytes could not be written: the file is closed then too, but the
     /// stream counts as open until the next Close or Open.
