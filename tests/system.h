@@ -14,7 +14,8 @@ constexpr bool kOnWindows = false;
 // all.
 constexpr bool kOpenFilesAreShared = !kOnWindows;
 
-// Whether Windows is played by Wine, which lacks some of what Windows has.
+// Whether Windows is played by Wine, which lacks some of what Windows has. tests/wine_skips.txt names the
+// tests that are skipped there.
 inline bool onWine() {
     std::int32_t error = 0;
     const kv::platform::Library system =
