@@ -36,18 +36,17 @@ TEST_F(KvToolServices, TurnsPathsIntoUrlsAndBack) {
         expectOutcome(row, run(row.arguments));
 }
 
-#if !defined(_WIN32)
-// A file with a hole, and a separator of the library's in a name: not on every system.
 TEST_F(KvToolServices, RefusesWhatTheLibraryCannotHold) {
     std::ofstream(file("huge.bin")).close();
-    fs::resize_file(file("huge.bin"), std::uintmax_t{1} << 32);
+    fs::resize_file(file("huge.bin"), std::uintmax_t{1} << 32);  // all of it a hole, or never written
     const Row rows[] = {
         {"checksum huge.bin", 1, "", "huge.bin: is 4 GiB or larger"},
+#if !defined(_WIN32)  // where it is a separator of the system's
         {"url 'a\\b'", 1, "", "would come back as a/b"},
+#endif
     };
     for (const Row &row : rows)
         expectOutcome(row, run(row.arguments));
 }
-#endif
 
 }  // namespace
