@@ -5,6 +5,8 @@
 #include <string>
 #include <system_error>
 
+#include "utf8_path.h"
+
 // A new folder of a test's own, gone with its contents at the end.
 class TempFolder {
 public:
@@ -22,11 +24,9 @@ public:
     }
 
     std::filesystem::path operator/(const std::filesystem::path &name) const { return m_path / name; }
-    // As the system spells it, in UTF-8.
-    std::string native() const {
-        const auto text = m_path.u8string();
-        return {text.begin(), text.end()};
-    }
+    // The folder, or what has that name in it, as the system spells it, in UTF-8.
+    std::string native() const { return utf8FromPath(m_path); }
+    std::string native(const std::filesystem::path &name) const { return utf8FromPath(m_path / name); }
 
 private:
     std::filesystem::path m_path;

@@ -143,14 +143,14 @@ TEST_F(PlatformFiles, LongPathsWork) {
 }
 
 TEST(PlatformFolders, AreAbsoluteAndThere) {
+    const auto pathOf = [](const KV_WString &path) { return pathFromUtf8(platform::nativePath(path)); };
     for (const KV_WString &folder : {platform::currentFolder(), platform::temporaryFolder()})
-        EXPECT_TRUE(fs::path(platform::nativePath(folder)).is_absolute() &&
-                    fs::is_directory(platform::nativePath(folder)))
+        EXPECT_TRUE(pathOf(folder).is_absolute() && fs::is_directory(pathOf(folder)))
             << platform::nativePath(folder);
     EXPECT_EQ(platform::temporaryFolder().back(), KV_W('\\'));
     EXPECT_NE(platform::nativePath(platform::programPath()).find("test_platform"), std::string::npos);
     EXPECT_TRUE(platform::pathExists(platform::programPath()));
-    EXPECT_TRUE(fs::path(platform::nativePath(platform::userDataFolder())).is_absolute());
+    EXPECT_TRUE(pathOf(platform::userDataFolder()).is_absolute());
 }
 
 TEST(Wildcards, Match) {

@@ -48,7 +48,7 @@ TEST(PlatformLibraries, NullIsTheProgramWithoutItsLibraries) {
 
 TEST(PlatformLibraries, FolderGoesFirstAndTheCurrentFolderStays) {
     const TempFolder folder;
-    const fs::path file = KVBASE_PLAIN_MODULE;
+    const fs::path file = pathFromUtf8(KVBASE_PLAIN_MODULE);
     fs::copy_file(file, folder / file.filename());
     std::int32_t error = 0;
     const platform::Library beside = platform::loadLibrary(kModule, error);

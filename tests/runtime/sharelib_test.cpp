@@ -10,7 +10,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-const fs::path kModule = KVBASE_PLAIN_MODULE;
+const fs::path kModule = pathFromUtf8(KVBASE_PLAIN_MODULE);
 const std::string kExtension = kv::platform::kLibraryExtension;
 
 void load(KV_SharedLib &library, const std::string &name, const std::string &path,

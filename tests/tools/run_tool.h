@@ -41,7 +41,7 @@ protected:
     void SetUp() override { fs::current_path(m_folder / ""); }
     void TearDown() override { fs::current_path(m_before); }
 
-    fs::path file(const std::string &name) const { return m_folder / name; }
+    fs::path file(const std::string &name) const { return m_folder / pathFromUtf8(name); }
     void write(const char *name, const std::string &text) const {
         std::ofstream(file(name), std::ios::binary) << text;
     }

@@ -173,7 +173,7 @@ TEST(BinaryForm, StandsBehindTheDictionaryThatItRead) {
     fillLong(second);
     for (const bool inMemory : {true, false}) {
         const TempFolder folder;
-        KV_FStream file(KV_FileSpecFromNative((folder / "two").string().c_str()));
+        KV_FStream file(KV_FileSpecFromNative(folder.native("two").c_str()));
         KV_SStream memory;
         KV_Stream &stream = inMemory ? static_cast<KV_Stream &>(memory) : file;
         ASSERT_TRUE(stream.Open("w", false));
@@ -305,7 +305,7 @@ TEST(BinaryForm, RefusesWhatItCannotHoldBeforeTheFirstByte) {
          "q is beyond the 1048576 elements of pointers"},
     };
     const TempFolder folder;
-    KV_FileSpec file = KV_FileSpecFromNative((folder / "f").string().c_str());
+    KV_FileSpec file = KV_FileSpecFromNative(folder.native("f").c_str());
     for (const auto &c : cases) {
         KV_UValDict fits(16384), beyond(16384), back(16384);
         c.fill(fits, 0);
@@ -323,7 +323,7 @@ TEST(BinaryForm, RefusesWhatItCannotHoldBeforeTheFirstByte) {
         EXPECT_EQ(failure([&] { beyond.AppendBinToStream(&stream); }), expected);
         EXPECT_EQ(stream.Length(), 0U) << c.failure;
         EXPECT_EQ(failure([&] { beyond.WriteBinFile(file); }), expected);
-        EXPECT_EQ(fileBytes((folder / "f").string()), golden("empty.bin")) << "the file is as it was";
+        EXPECT_EQ(fileBytes(folder / "f"), golden("empty.bin")) << "the file is as it was";
         EXPECT_EQ(failure([&] { beyond.ByteSize(); }), expected);
         EXPECT_EQ(failure([&] { putInBlocks(packer, 512); }), "Binary Packing Error") << c.failure;
     }
@@ -409,14 +409,14 @@ TEST(BinaryForm, TellsWhenTheStreamFails) {
 
 TEST(BinaryForm, FilesOfEitherFormAreRead) {
     const TempFolder folder;
-    KV_FileSpec file = KV_FileSpecFromNative((folder / "f").string().c_str());
+    KV_FileSpec file = KV_FileSpecFromNative(folder.native("f").c_str());
     const auto put = [&](const std::string &bytes) {
-        std::ofstream((folder / "f").string(), std::ios::binary) << bytes;
+        std::ofstream(folder / "f", std::ios::binary) << bytes;
     };
     KV_UValDict dict(16384), back(16384);
     fillAllBinary(dict);
     dict.WriteBinFile(file);
-    EXPECT_EQ(fileBytes((folder / "f").string()), golden("all_types.bin"));
+    EXPECT_EQ(fileBytes(folder / "f"), golden("all_types.bin"));
     back.ReadFile(file);
     EXPECT_EQ(writtenBinary(back), golden("all_types.bin"));
     const std::string text = "    |- a => (Long)1\n", other = golden("long_42.bin");

@@ -14,6 +14,7 @@
 #include <string>
 
 #include "text_streams.h"
+#include "utf8_path.h"
 
 // Streams that give and take their bytes in pieces, and values as bytes.
 
@@ -45,13 +46,15 @@ public:
     bool Seek(std::int64_t, SeekStartPos) override { return false; }
 };
 
-inline std::string fileBytes(const std::string &path) {
+inline std::string fileBytes(const std::filesystem::path &path) {
     std::ifstream file(path, std::ios::binary);
     EXPECT_TRUE(file) << path;
     return {std::istreambuf_iterator<char>(file), {}};
 }
 
-inline std::string golden(const std::string &name) { return fileBytes(KVBASE_TEST_DATA "/values/" + name); }
+inline std::string golden(const std::string &name) {
+    return fileBytes(pathFromUtf8(KVBASE_TEST_DATA "/values/" + name));
+}
 
 inline std::string writtenBinary(KV_UValDict &dict) {
     KV_SStream stream;

@@ -14,6 +14,7 @@
 #include <utility>
 
 #include "comma.h"
+#include "utf8_path.h"
 
 // A source that hands its bytes out a few at a time and takes none back. In pieces of 0 it has no block at
 // all, as the standard input has none.
@@ -80,7 +81,7 @@ inline std::string printed(KV_UVal &value) {
 }
 
 inline std::string sampleText() {
-    std::ifstream file(KVBASE_TEST_DATA "/values/sample.txt", std::ios::binary);
+    std::ifstream file(pathFromUtf8(KVBASE_TEST_DATA "/values/sample.txt"), std::ios::binary);
     std::string text{std::istreambuf_iterator<char>(file), {}};
     EXPECT_FALSE(text.empty());
     return text;

@@ -30,7 +30,7 @@ std::string written(KV_UVal *value, int indent = 0) {
 
 std::string writtenFile(KV_UValDict &dict) {
     const TempFolder folder;
-    KV_FileSpec file = KV_FileSpecFromNative((folder.native() + "/values").c_str());
+    KV_FileSpec file = KV_FileSpecFromNative(folder.native("values").c_str());
     dict.WriteTextFile(file);
     std::ifstream in(folder / "values", std::ios::binary);
     return {std::istreambuf_iterator<char>(in), {}};
