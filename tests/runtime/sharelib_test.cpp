@@ -13,6 +13,15 @@ namespace {
 const fs::path kModule = pathFromUtf8(KVBASE_PLAIN_MODULE);
 const std::string kExtension = kv::platform::kLibraryExtension;
 
+// The folder of a file in the process's own encoding.
+std::string folderOf(const KV_FileSpec &file) {
+    KV_WString folder;
+    std::string text;
+    EXPECT_TRUE(file.GetFullPathNameW(folder));
+    kv::platform::fromUnits(kv::platform::kDefaultCodePage, folder, text);
+    return text;
+}
+
 void load(KV_SharedLib &library, const std::string &name, const std::string &path,
           const KV_FileSpec *neighbour = nullptr) {
     KV_SystemString nameText(name.c_str(), false), pathText(path.c_str(), false);
@@ -42,9 +51,8 @@ protected:
 
     TempFolder m_folder;
     KV_SharedLib m_beside, m_library;
-    const std::string m_path =
-        std::string(KV_FileSpecFromNative(KV_String(m_folder.native().c_str())).GetFileName());
-    const KV_FileSpec m_neighbour{KV_String((m_path + "\\any.krg").c_str())};
+    const KV_FileSpec m_neighbour = KV_FileSpecFromNative(m_folder.native("any.krg").c_str());
+    const std::string m_path = folderOf(m_neighbour);
     const fs::path m_before = fs::current_path();
 };
 
