@@ -5,24 +5,19 @@
 
 #include <cstdint>
 #include <cstring>
-#include <random>
 #include <vector>
+
+#include "random_bytes.h"
 
 #ifdef KVBASE_BENCH_PEERS
 #    include <openssl/evp.h>
 #endif
 
+using kvbench::randomBytes;
+
 namespace {
 
 constexpr std::size_t kDigest = 16;
-
-std::vector<unsigned char> randomBytes(std::size_t size) {
-    std::mt19937 random(1);
-    std::vector<unsigned char> bytes(size);
-    for (unsigned char &byte : bytes)
-        byte = static_cast<unsigned char>(random());
-    return bytes;
-}
 
 // One item is a block of 64 bytes.
 void perBlock(benchmark::State &state) {

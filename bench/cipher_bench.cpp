@@ -5,7 +5,6 @@
 
 #include <cstdint>
 #include <filesystem>
-#include <random>
 #include <string>
 #include <vector>
 
@@ -13,23 +12,19 @@
 #include <kvbase/stream/kv_fstream.h>
 #include <kvbase/stream/kv_sstream.h>
 
+#include "random_bytes.h"
+
 #ifdef KVBASE_BENCH_PEERS
 #    include <nettle/blowfish.h>
 #endif
+
+using kvbench::randomBytes;
 
 namespace {
 
 constexpr std::uint32_t kPiece = 512;
 unsigned char kKey[] = "      123456";  // 12 characters
 constexpr std::uint32_t kKeyBytes = sizeof kKey - 1;
-
-std::vector<unsigned char> randomBytes(std::size_t size) {
-    std::mt19937 random(9);
-    std::vector<unsigned char> bytes(size);
-    for (unsigned char &byte : bytes)
-        byte = static_cast<unsigned char>(random());
-    return bytes;
-}
 
 std::string longText() {
     std::string text;

@@ -2,7 +2,6 @@
 // what is written reads back as the same text; a dictionary that is found by name is the one that is read by
 // name.
 
-#include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
@@ -10,37 +9,17 @@
 #include <istream>
 #include <memory>
 #include <sstream>
-#include <streambuf>
 #include <string>
 #include <vector>
 
 #include "kvbase/runtime/kv_exception.h"
 #include "kvbase/univval/kv_uval_dict.h"
 #include "kvbase/univval/kv_uval_text.h"
+#include "piece_buffer.h"
 
 namespace {
 
 using Value = std::unique_ptr<KV_UVal>;
-
-// Hands its bytes out a few at a time and takes none back.
-class PieceBuffer : public std::streambuf {
-public:
-    PieceBuffer(std::string text, std::size_t piece) : m_text(std::move(text)), m_piece(piece) {}
-
-protected:
-    int_type underflow() override {
-        const std::size_t size = std::min(m_piece, m_text.size() - m_next);
-        if (size == 0) return traits_type::eof();
-        char *begin = m_text.data() + m_next;
-        m_next += size;
-        setg(begin, begin, begin + size);
-        return traits_type::to_int_type(*begin);
-    }
-
-private:
-    std::string m_text;
-    std::size_t m_piece, m_next = 0;
-};
 
 // Null for the documented failure.
 Value read(std::istream &stream, const char *name = "") {

@@ -291,6 +291,19 @@ TEST(UVal, OtherFamiliesAnswerNeutrally) {
     }
 }
 
+TEST(UVal, SystemTextTellsWhatItsCodePageLacks) {
+    struct Latin : KV_TextEncodingConverter {
+        Latin() { mCodePage = 1252; }
+    };
+    const KV_TextEncodingConverter former = std::exchange(KV_SystemString::mSystemTEC, Latin());
+    KV_SystemString system;
+    const auto omega = makeValue(KV_UVAL_UTFSTRING);
+    omega->SetStrValue(KV_String("\xCE\xA9 \xC3\xA9"), 0);
+    EXPECT_EQ(omega->GetSystemStringValue(&system, -1), -1) << "the scalar, by any index";
+    EXPECT_STREQ(system.GetSystemString().Ptr(), "? \xE9");
+    KV_SystemString::mSystemTEC = former;
+}
+
 #if defined(__GXX_ABI_VERSION) && defined(__x86_64__)
 // Modules that were built before call through these slots.
 template <class Member>

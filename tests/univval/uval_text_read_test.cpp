@@ -46,6 +46,8 @@ const ReadCase kCases[] = {
     {"number as text", "1.5 satstring", "(String)"},
     {"utf text", "(caf\\303\\251) satutfstring", "(UTFString)caf[e9]"},
     {"pointer", "0 satptr", "(Ptr)0"},
+    {"negative number as pointer", "-1 satptr", "(Ptr)0xffffffffffffffff"},
+    {"float as pointer", "1.5 satptr", "(Ptr)0x1"},
     {"first element decides", "[1 2.5]", "(Long#2) {1,2,}"},
     {"first element is a float", "[1.5 2]", "(Double#2) {1.5,2,}"},
     {"keywords of elements have no effect", "[ 1 satdouble 2 satchar ]", "(Long#2) {1,2,}"},
