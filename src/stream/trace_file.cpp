@@ -39,10 +39,11 @@ std::string presentTime() {
     return text;
 }
 
+// The name follows a separator whatever it begins with.
 KV_FileSpec placeOf(const KV_String &fileName) {
     const KV_WString folder = kv::detail::userFolder();
     if (folder.empty()) return fileName;
-    KV_FileSpec file(folder);
+    KV_FileSpec file(folder + KV_W('\\'));
     return file += fileName;
 }
 

@@ -110,6 +110,15 @@ TEST_F(TraceFile, ThatCannotBeOpenedLeavesTheStandardOutput) {
     EXPECT_EQ(m_output.str(), "module KvBaseTrac : line\n");
 }
 
+TEST_F(TraceFile, AnyNameFollowsASeparator) {
+    EXPECT_TRUE(start("\\trace_first.txt"));
+    KV_Tracer::StopTracing();
+    EXPECT_TRUE(spec("trace_first.txt").FileExists());
+    KV_Tracer::SetTracing("KvBaseTrace", kv::detail::kTraceError);
+    EXPECT_FALSE(start("\\no_such_folder\\trace.txt"));
+    EXPECT_NE(m_output.str().find("\\Trevane\\\\no_such_folder\\trace.txt "), std::string::npos);
+}
+
 #if !defined(_WIN32)
 // On Windows the registry says it, and always does.
 TEST_F(TraceFile, LiesWhereTheEnvironmentSays) {

@@ -77,7 +77,8 @@ public:
     /// Starts tracing, for the rest of the process: what the trace stream gets is no longer dropped. With
     /// toFile, and unless a trace file is open, also opens one: fileName in the folder "Trevane" of the
     /// user's application data, which is made when it is missing, or, when the system tells no such folder,
-    /// fileName as it is. It is UTF-8, with backslashes as separators. On POSIX that folder is the first of
+    /// fileName as it is. It is UTF-8, with backslashes as separators; one at its beginning follows
+    /// that of the folder, and does not lead out of it. On POSIX that folder is the first of
     /// $APPDATA, $XDG_DATA_HOME and $HOME/.local/share that is set to an absolute path. A file of that name
     /// is replaced. The new one is text, begins with a banner that tells the time, and is flushed after each
     /// line, so it is whole however the process ends. On Windows nobody can read it while it is open, and one
