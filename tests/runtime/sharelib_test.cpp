@@ -32,9 +32,10 @@ std::string fullPath(const KV_SharedLib &library) {
     return std::string(library.GetFullPath().GetSystemString());
 }
 
-// How often the library's function was called since it was loaded; 0 when there is none.
-int call(const KV_SharedLib &library) {
-    void *function = library.FindSymbol("plainModuleCall");
+// What the library's function gives, 0 when there is none. That of plain_module counts its calls since it was
+// loaded.
+int call(const KV_SharedLib &library, const char *name = "plainModuleCall") {
+    void *function = library.FindSymbol(name);
     return function != nullptr ? reinterpret_cast<int (*)()>(function)() : 0;
 }
 
@@ -81,6 +82,13 @@ TEST_F(SharedLib, TriesFolderFullPathBareNameAndNeighbour) {
                   route.isBeside)
             << route.name;
     }
+}
+
+TEST_F(SharedLib, FindsWhatTheLibraryDependsOnInItsFolder) {
+    for (const char *file : {"leaning_module", "leaned_on"})
+        fs::copy_file(fs::path(KVBASE_LEANING_MODULES) / (file + kExtension), m_folder / (file + kExtension));
+    load(m_library, "leaning_module", m_path);
+    EXPECT_EQ(call(m_library, "leaningModuleCall"), 5);
 }
 
 TEST_F(SharedLib, StaysLoadedUntilItIsGivenBack) {

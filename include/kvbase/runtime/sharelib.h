@@ -40,7 +40,8 @@ public:
     /// 3. the bare name, by the system's own search;
     /// 4. with a neighbour, which is only read, the full path in the folder of that file: it becomes the full
     ///    path when the library is there.
-    /// So the folder that is given comes before a library of that name beside the program.
+    /// So the folder that is given comes before a library of that name beside the program, where the system's
+    /// own search would look first: who names a folder means the library in it, wherever the program lies.
     /// A name and a full path without any folder are looked for as the system does it; on POSIX beside the
     /// program and in the current folder first. A bare name without a dot gets the extension.
     /// A name that holds "_static_dll" stands for a module that is linked into the running program: nothing
