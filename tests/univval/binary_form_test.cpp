@@ -294,10 +294,10 @@ TEST(BinaryForm, RefusesWhatItCannotHoldBeforeTheFirstByte) {
              " is longer than 32766 bytes"},
         {[](KV_UValDict &d, std::size_t beyond) {
              auto &inner = *new KV_UValDict(16384);
-             (*d.GetValuePtr())["zero\0key"s] = &inner;
+             (*d.GetValuePtr())["zero\0key\n"s] = &inner;
              fillLevel(inner, 65535 + beyond);
          },
-         "zero\\0key has more than 65535 entries"},
+         "zero\\000key\\012 has more than 65535 entries"},
         {[](KV_UValDict &d, std::size_t beyond) {
              d.DefineUVal("p", KV_UVAL_PTR, 1 << 19, nullptr);
              d.DefineUVal("q", KV_UVAL_PTR, (1 << 19) + static_cast<std::int32_t>(beyond), nullptr);

@@ -1,5 +1,6 @@
 // What a dictionary may not have if it is to be written in binary form.
 
+#include <cstdio>
 #include <string>
 #include <vector>
 
@@ -12,6 +13,14 @@ namespace kv::detail {
 namespace {
 
 using Map = KV_UValDict::Map;
+
+/// Adds a control character as a backslash and three octal digits, any other byte as it is.
+void addVisible(std::string &text, char c) {
+    const unsigned byte = static_cast<unsigned char>(c);
+    char shown[5] = {c};
+    if (byte < 0x20 || byte == 0x7F) std::snprintf(shown, sizeof shown, "\\%03o", byte);
+    text += shown;
+}
 
 /// A walk through a tree, level by level of the path on which it is.
 class LimitCheck {
@@ -76,15 +85,15 @@ private:
         throw KV_FileException(message.c_str(), KV_FileException::WriteError, 0, KV_HERE);
     }
 
-    /// The keys of the entry that is looked at, cut in the middle where they are long. Zero bytes, which end
-    /// a message, are shown as "\\0".
+    /// The keys of the entry that is looked at, cut in the middle where they are long. Control characters,
+    /// zero bytes among them, would end a message or break its line: they are shown as octal escapes.
     std::string path() const {
         if (m_levels.empty()) return "the dictionary";
         std::string path;
         for (const Level &level : m_levels) {
             if (&level != &m_levels.front()) path += KV_DictPath::GetSeparator();
             for (const char c : std::prev(level.next)->first)
-                path += c != 0 ? std::string(1, c) : "\\0";
+                addVisible(path, c);
         }
         constexpr std::size_t kEnds = 100;
         if (path.size() <= 2 * kEnds) return path;
