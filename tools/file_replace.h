@@ -12,7 +12,8 @@ std::string utf8FromPath(const std::filesystem::path &path);
 // A path that the library's form of paths can't tell from another one is refused: on POSIX one with a
 // backslash, or with bytes that are no UTF-8.
 
-/// All bytes of a file. Throws BadInput when it can't be read.
+/// All bytes of a file. Throws BadInput when it can't be read. A pipe is read to its end, too, and held as a
+/// whole: one that never ends takes what memory there is.
 std::string readBytes(const std::string &file);
 
 /// Makes file hold bytes, wholly or not at all: they go to a temporary file beside it, are read back and

@@ -29,43 +29,61 @@ std::string placeIn(const std::string &bytes, std::istream &stream) {
     return "line " + std::to_string(std::count(bytes.begin(), end, '\n') + 1);
 }
 
-std::unique_ptr<KV_UVal> parseText(const std::string &file, const std::string &bytes) {
+std::unique_ptr<KV_UValDict> parseText(const std::string &file, const std::string &bytes) {
     std::istringstream stream(bytes);
-    KV_UVal *value = nullptr;
+    KV_UVal *read = nullptr;
     try {
-        KV_ReadUValTxt(stream, value);
+        KV_ReadUValTxt(stream, read);
     } catch (const KV_FileException &error) {
         throw BadInput(file, placeIn(bytes, stream) + ": " + textOf(error));
     }
-    return std::unique_ptr<KV_UVal>(value);
+    std::unique_ptr<KV_UVal> value(read);
+    if (value->GetType() != KV_UVAL_DICT)
+        throw BadInput(file,
+                       std::string("holds a single ") + typeName(value->GetType()) + ", not a dictionary");
+    return std::unique_ptr<KV_UValDict>(static_cast<KV_UValDict *>(value.release()));
 }
 
-// Every version of the binary form has its name at this place. KV_UValDict::ReadFile takes the same files for
-// the same forms; this gives the message of the form that is meant.
-bool isBinary(const std::string &bytes) {
+// Every version of the binary form has its name at this place.
+bool namesBinaryForm(const std::string &bytes) {
     constexpr std::string_view name = "UVALBINDUMP_";
     constexpr std::size_t place = 8;
     return bytes.size() >= place && bytes.compare(place, name.size(), name) == 0;
 }
 
-// Reads a dictionary in binary form. How many of the bytes it takes.
-std::size_t parseBinary(const std::string &file, const std::string &bytes, KV_UValDict &dict) {
-    if (bytes.size() > std::numeric_limits<std::uint32_t>::max())
-        throw BadInput(file, "is larger than the tool reads");
+struct Parsed {
+    std::unique_ptr<KV_UValDict> dict;
+    ValueForm form = ValueForm::Text;
+    std::size_t size = 0;  // of the binary form: the bytes that it takes
+};
+
+// Throws KV_FileException.
+Parsed parseBinary(const std::string &bytes) {
+    auto dict = std::make_unique<KV_UValDict>(0);
     KV_SStream stream(bytes.data(), static_cast<std::uint32_t>(bytes.size()));
-    try {
-        dict.ReadBinFromStream(&stream);
-    } catch (const KV_FileException &error) {
-        throw BadInput(file, textOf(error));
-    }
-    return static_cast<std::size_t>(stream.Tell());
+    dict->ReadBinFromStream(&stream);
+    return {std::move(dict), ValueForm::Binary, static_cast<std::size_t>(stream.Tell())};
 }
 
-std::unique_ptr<KV_UVal> parse(const std::string &file, const std::string &bytes) {
-    if (!isBinary(bytes)) return parseText(file, bytes);
-    auto dict = std::make_unique<KV_UValDict>(0);
-    parseBinary(file, bytes, *dict);
-    return dict;
+// Finds the form as KV_UValDict::ReadFile does: what is invalid as binary form is read as text. Of what is
+// invalid both ways, the failure told is that of the form that is meant.
+Parsed parse(const std::string &file, const std::string &bytes) {
+    if (bytes.empty()) throw BadInput(file, "is empty");
+    if (bytes.size() > std::numeric_limits<std::uint32_t>::max())
+        throw BadInput(file, "is larger than the tool reads");
+    std::string invalid;
+    try {
+        return parseBinary(bytes);
+    } catch (const KV_FileException &error) {
+        invalid = textOf(error);
+        if (error.GetFileErrorId() != KV_FileException::InvalidFile) throw BadInput(file, invalid);
+    }
+    try {
+        return {parseText(file, bytes)};
+    } catch (const BadInput &) {
+        if (namesBinaryForm(bytes)) throw BadInput(file, invalid);
+        throw;
+    }
 }
 
 std::string binaryForm(KV_UValDict &dict) {
@@ -73,6 +91,16 @@ std::string binaryForm(KV_UValDict &dict) {
     stream.Open("w", false);
     dict.AppendBinToStream(&stream);
     return {stream.GetMemPtr(), stream.Length()};
+}
+
+// Whether the binary form of the values is these bytes. Paths in the keys of a file may have made a level
+// that the form has no place for.
+bool isBinaryForm(KV_UValDict &dict, std::string_view bytes) {
+    try {
+        return binaryForm(dict) == bytes;
+    } catch (const KV_FileException &) {
+        return false;
+    }
 }
 
 std::string textForm(KV_UValDict &dict) {
@@ -100,25 +128,18 @@ const char *formName(ValueForm form) { return form == ValueForm::Text ? "text" :
 
 ValueFile::ValueFile(const std::string &file) : m_file(file) {
     const std::string bytes = readBytes(file);
-    if (isBinary(bytes))
-        readBinary(bytes);
+    const Parsed parsed = parse(file, bytes);
+    parsed.dict->MoveTo(&m_dict);
+    m_form = parsed.form;
+    if (m_form == ValueForm::Text)
+        m_survey = surveyText(bytes);
     else
-        readText(bytes);
+        surveyBinary(bytes, parsed.size);
 }
 
-void ValueFile::readText(const std::string &bytes) {
-    const std::unique_ptr<KV_UVal> value = parseText(m_file, bytes);
-    if (value->GetType() != KV_UVAL_DICT)
-        throw BadInput(m_file,
-                       std::string("holds a single ") + typeName(value->GetType()) + ", not a dictionary");
-    static_cast<KV_UValDict &>(*value).MoveTo(&m_dict);
-    m_survey = surveyText(bytes);
-}
-
-void ValueFile::readBinary(const std::string &bytes) {
-    m_form = ValueForm::Binary;
-    const std::size_t size = parseBinary(m_file, bytes, m_dict);
-    if (binaryForm(m_dict) != std::string_view(bytes).substr(0, size)) {
+// What is not kept of the binary form, which takes so many of the bytes.
+void ValueFile::surveyBinary(const std::string &bytes, std::size_t size) {
+    if (!isBinaryForm(m_dict, std::string_view(bytes).substr(0, size))) {
         const char *twice = "a key that comes twice or has the path separator, or a text that is no UTF-8";
         // A file in the other byte order says so from its first tag on, and always differs.
         if ((static_cast<unsigned char>(bytes.front()) & 0x40U) != 0)
@@ -155,14 +176,14 @@ std::string ValueFile::bytes(const std::string &to) {
 }
 
 std::vector<std::string> ValueFile::unwritable() {
-    std::unique_ptr<KV_UVal> back;
+    Parsed back;
     try {
         back = parse(m_file, bytes(m_file));
     } catch (const BadInput &) {
         if (m_form == ValueForm::Binary) throw;
         return unreadableKeys();
     }
-    return differences(m_dict, static_cast<KV_UValDict &>(*back), kMostLines);
+    return differences(m_dict, *back.dict, kMostLines);
 }
 
 std::vector<std::string> ValueFile::unreadableKeys() {

@@ -21,8 +21,8 @@ const char *formName(ValueForm form);
 /// A file of values in either form, read whole. It is written in the form in which it was read.
 class ValueFile {
 public:
-    /// Reads the file; its content tells the form. Throws BadInput, for a text with the line, when it isn't a
-    /// dictionary.
+    /// Reads the file; its content tells the form, by the rule of KV_UValDict::ReadFile. Throws BadInput, for
+    /// a text with the line, when it isn't a dictionary, or has 4 GiB and more.
     explicit ValueFile(const std::string &file);
     /// The same, or an empty dictionary, to be written in that form, when there is no such file.
     static ValueFile openOrNew(const std::string &file, ValueForm form);
@@ -54,8 +54,7 @@ public:
 private:
     struct New {};
     ValueFile(const std::string &file, ValueForm form, New) : m_file(file), m_form(form) {}
-    void readText(const std::string &bytes);
-    void readBinary(const std::string &bytes);
+    void surveyBinary(const std::string &bytes, std::size_t size);
     std::string bytes(const std::string &to);
     std::vector<std::string> unreadableKeys();
 

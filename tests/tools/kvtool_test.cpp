@@ -1,4 +1,6 @@
 // The commands of kvtool for value files and the cipher.
+#include <kvbase/kvbase.h>
+
 #include "run_tool.h"
 
 namespace {
@@ -138,6 +140,17 @@ TEST_F(KvTool, TakesEitherFormByItsContent) {
     std::string version = binary;
     version[20] = '3';
     write("version.bin", version);
+    std::string damaged = binary;
+    damaged[40] = 3;  // the tag of the dimension
+    write("damaged.bin", damaged);
+    write("head.bin", binary.substr(0, 12));
+    write("named.krg", "%       UVALBINDUMP_2.0\n<< /a 1 >>");
+    KV_UValDict wide(0);
+    for (int i = 0; i < 65535; ++i)
+        wide.SetUVal(("a:" + std::to_string(i)).c_str(), nullptr);
+    (*wide.GetValuePtr())["a:x"] = nullptr;  // a level of 65536 when it is read
+    KV_FileSpec wideFile("wide.bin");
+    wide.WriteBinFile(wideFile);
     write("number.krg", "<< /a 42 >>");
     write("null.krg", "<< /p 1 satptr /deep << /text (x) >> >>");
     write("long.krg", "<< /deep << /text (" + std::string(40000, 'x') + ") >> >>");
@@ -175,10 +188,17 @@ TEST_F(KvTool, TakesEitherFormByItsContent) {
         {"values set swapped.bin z 1", 1, "",
          "swapped.bin: is left as it was, for it holds what would be lost"},
         {"values set behind.bin z 1", 1, "", "4 bytes behind the values"},
+        {"values set behind.bin z 1 -o x.krg", 1, "", "4 bytes behind the values"},
         {"values set behind.bin z 1 --force", 0, "", ""},
         {"values show cut.bin", 1, "", "cut.bin: File exception: ReadError"},
         {"values show version.bin", 1, "",
          "version.bin: File exception: InvalidFile;   Detail: ReadBinFromStream failed"},
+        {"values show damaged.bin", 1, "",
+         "damaged.bin: File exception: InvalidFile;   Detail: Caught exception KV_BinPackException"},
+        {"values show head.bin", 1, "", "head.bin: File exception: ReadError"},
+        {"values get named.krg a", 0, "1\n", ""},
+        {"values get wide.bin a:x --as long", 1, "", "has no entry 'a:x'"},
+        {"values check wide.bin", 1, "has the path separator", "a has more than 65535 entries"},
     };
     for (const Row &row : rows)
         expectOutcome(row, run(row.arguments));
@@ -262,13 +282,15 @@ TEST_F(KvTool, NamesTheFileAndTheLineOfBadInput) {
         closing += " >>";
     }
     write("empty.krg", "");
+    write("comment.krg", "% nothing");
     write("odd.krg", "<<\n/a 1\n/b\n>>\n");
     write("unclosed.krg", "<< /a (text");
     write("number.krg", "42");
     write("deep.krg", opening + "1" + closing);
     const Row rows[] = {
-        {"values show empty.krg", 1, "",
-         "empty.krg: at its end: File exception: InvalidFile;   Detail: Error in object hierarchy"},
+        {"values show empty.krg", 1, "", "empty.krg: is empty"},
+        {"values show comment.krg", 1, "",
+         "comment.krg: at its end: File exception: InvalidFile;   Detail: Error in object hierarchy"},
         {"values show odd.krg", 1, "", "odd.krg: line 4: "},
         {"values check unclosed.krg", 1, "", "unclosed.krg: "},
         {"values show number.krg", 1, "", "number.krg: holds a single long, not a dictionary"},

@@ -429,6 +429,7 @@ TEST(BinaryForm, FilesOfEitherFormAreRead) {
         {"text", "<< /a 1 >>", text, "none"},
         {"text after white space", "\n\t<< /a 1 >>", text, "none"},
         {"text after a comment", "% x\n<< /a 1 >>", text, "none"},
+        {"text that names the binary form", "%       UVALBINDUMP_2.0\n<< /a 1 >>", text, "none"},
         {"binary", other, "    |- a => (Long)42\n", "none"},
         {"nothing", "", "", kTruncated},
         {"binary cut off", other.substr(0, 50), "", kTruncated},
