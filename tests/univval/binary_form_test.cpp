@@ -142,6 +142,17 @@ TEST(BinaryForm, SizesAreThoseOfTheBytesAtTheEdgesOfBlocks) {
     }
 }
 
+// Longer than the run of elements for which an atom arms its buffer, and more than the result can say. Memory
+// that nobody has written to costs the system nothing.
+TEST(BinaryForm, SizesOfLongArraysAreWholeOrTheLargest) {
+    constexpr std::int32_t kCount = (1 << 28) + 3;
+    KV_UValDict dict(16384);
+    dict.DefineUVal("a", KV_UVAL_CHAR, kCount, new char[kCount]);
+    EXPECT_EQ(dict.ByteSize(), 24 + 31 + kCount);
+    dict.DefineUVal("b", KV_UVAL_DOUBLE, kCount, new double[kCount]);
+    EXPECT_EQ(dict.ByteSize(), 2147483647);
+}
+
 TEST(BinaryForm, AStreamThatDropsWhatItTakesIsAFailure) {
     KV_UValDict dict(16384);
     fillLong(dict);
