@@ -47,8 +47,7 @@ TEST_F(KvTool, AnswersQueriesInAnyType) {
         {"--help", 0, "encipher", ""},
         {"values set --help", 0, "--force", ""},
     };
-    for (const Row &row : rows)
-        expectOutcome(row, run(row.arguments));
+    expectOutcomes(rows);
 }
 
 TEST_F(KvTool, ChangesFilesAndRefusesWhatWouldBeLost) {
@@ -121,8 +120,7 @@ TEST_F(KvTool, ChangesFilesAndRefusesWhatWouldBeLost) {
         {"values set small.krg", 2, "", "PATH"},
         {"values set small.krg a 1 --index 0 --type long", 2, "", "--index"},
     };
-    for (const Row &row : rows)
-        expectOutcome(row, run(row.arguments));
+    expectOutcomes(rows);
     EXPECT_EQ(contents(file("press.krg")), contents(pathFromUtf8(KVBASE_SAMPLES) / "press.krg"));
     expectNoTemporaryFile();
 }
@@ -200,8 +198,7 @@ TEST_F(KvTool, TakesEitherFormByItsContent) {
         {"values get wide.bin a:x --as long", 1, "", "has no entry 'a:x'"},
         {"values check wide.bin", 1, "has the path separator", "a has more than 65535 entries"},
     };
-    for (const Row &row : rows)
-        expectOutcome(row, run(row.arguments));
+    expectOutcomes(rows);
     EXPECT_EQ(contents(file("made.bin")), binary);
     EXPECT_EQ(contents(file("long_42.krg")), "<<\n/a 42\n>>\n");
     EXPECT_EQ(contents(file("press_again.bin")), contents(file("press.bin")));
@@ -270,8 +267,7 @@ TEST_F(KvTool, DoesNotLetAFileSteerTheTerminal) {
         {"values check steer.krg", 1, "the key '\\033[2J' comes twice", "steer.krg: "},
         {"values set steer.krg a 1", 1, "", "the key '\\033[2J' comes twice"},
     };
-    for (const Row &row : rows)
-        expectOutcome(row, run(row.arguments));
+    expectOutcomes(rows);
 }
 
 TEST_F(KvTool, NamesTheFileAndTheLineOfBadInput) {
@@ -298,8 +294,7 @@ TEST_F(KvTool, NamesTheFileAndTheLineOfBadInput) {
         {"values check deep.krg", 1, "100000 levels", "deeper than the 256 levels"},
         {"values set deep.krg a 1 --force", 1, "", "writes no more than 256 levels"},
     };
-    for (const Row &row : rows)
-        expectOutcome(row, run(row.arguments));
+    expectOutcomes(rows);
 }
 
 #if !defined(_WIN32)
@@ -340,8 +335,7 @@ TEST_F(KvTool, RefusesPathsThatTheLibraryWouldChange) {
         {"values set small.krg a 2 -o \xFF.krg", 1, "", "\\377.krg: can't be reached"},
         {"values set small.krg a 2 -o /dev/null", 1, "", "no regular file"},
     };
-    for (const Row &row : rows)
-        expectOutcome(row, run(row.arguments));
+    expectOutcomes(rows);
     expectNoTemporaryFile();
     EXPECT_EQ(contents(file("we\\ird.krg")), "<< /a 1 >>");
     EXPECT_EQ(run("values set ../small.krg a 2 -o new.krg", "cd 'x\\y'").exitCode, 0);
@@ -354,8 +348,7 @@ TEST_F(KvTool, RefusesWordsThatAreNoUtf8) {
         {"values set u.krg u \x9F", 1, "", "'\\237' is not valid UTF-8"},
         {"values set u.krg u \xED\xA0\x80", 1, "", "is not valid UTF-8"},
     };
-    for (const Row &row : rows)
-        expectOutcome(row, run(row.arguments));
+    expectOutcomes(rows);
 }
 #endif
 
@@ -369,8 +362,7 @@ TEST_F(KvTool, TakesUtf8FromTheCommandLine) {
         {"values set \xE6\x97\xA5\xC3\xBC.krg v 1", 0, "", ""},
         {"values get \xE6\x97\xA5\xC3\xBC.krg v", 0, "1\n", ""},
     };
-    for (const Row &row : rows)
-        expectOutcome(row, run(row.arguments));
+    expectOutcomes(rows);
     EXPECT_TRUE(fs::exists(file("\xE6\x97\xA5\xC3\xBC.krg")));
 }
 
@@ -396,8 +388,7 @@ TEST_F(KvTool, EnciphersAndDeciphers) {
         {"decipher plain.enc", 2, "", "TO"},
         {"encipher plain.txt nowhere/plain.enc", 1, "", "nowhere/plain.enc: can't be written"},
     };
-    for (const Row &row : rows)
-        expectOutcome(row, run(row.arguments));
+    expectOutcomes(rows);
     EXPECT_EQ(contents(file("back.txt")), plain);
     EXPECT_EQ(contents(file("zero.out")), "7 bytes"s + '\0');
     EXPECT_EQ(fs::file_size(file("plain.enc")) % 8, 0U);

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -35,6 +36,24 @@ inline std::string printed(const fs::path &file) {
     return text;
 }
 
+struct Row {
+    const char *arguments;
+    int exitCode;
+    const char *out;  // the whole of it when it is empty or ends in a line end, else a part
+    const char *err;  // a part
+};
+
+inline void expectOutcome(const Row &row, const Outcome &outcome) {
+    const std::string out = row.out;
+    EXPECT_EQ(outcome.exitCode, row.exitCode) << row.arguments << '\n' << outcome.err;
+    if (out.empty() || out.back() == '\n')
+        EXPECT_EQ(outcome.out, out) << row.arguments;
+    else
+        EXPECT_NE(outcome.out.find(out), std::string::npos) << row.arguments << '\n' << outcome.out;
+    EXPECT_NE(outcome.err.find(row.err), std::string::npos) << row.arguments << '\n' << outcome.err;
+    EXPECT_EQ(outcome.err.empty(), row.exitCode == 0) << row.arguments << '\n' << outcome.err;
+}
+
 // Each test works in a folder of its own.
 class ToolTest : public testing::Test {
 protected:
@@ -57,6 +76,12 @@ protected:
         return {status < 256 ? status : status / 256, printed(file("out.txt")), printed(file("err.txt"))};
     }
 
+    template <std::size_t Count>
+    void expectOutcomes(const Row (&rows)[Count]) const {
+        for (const Row &row : rows)
+            expectOutcome(row, run(row.arguments));
+    }
+
     void expectNoTemporaryFile() const {
         for (const auto &entry : fs::recursive_directory_iterator(m_folder / ""))
             EXPECT_EQ(entry.path().filename().string().find(".tmp-"), std::string::npos) << entry.path();
@@ -66,21 +91,3 @@ private:
     fs::path m_before = fs::current_path();
     TempFolder m_folder;
 };
-
-struct Row {
-    const char *arguments;
-    int exitCode;
-    const char *out;  // the whole of it when it is empty or ends in a line end, else a part
-    const char *err;  // a part
-};
-
-inline void expectOutcome(const Row &row, const Outcome &outcome) {
-    const std::string out = row.out;
-    EXPECT_EQ(outcome.exitCode, row.exitCode) << row.arguments << '\n' << outcome.err;
-    if (out.empty() || out.back() == '\n')
-        EXPECT_EQ(outcome.out, out) << row.arguments;
-    else
-        EXPECT_NE(outcome.out.find(out), std::string::npos) << row.arguments << '\n' << outcome.out;
-    EXPECT_NE(outcome.err.find(row.err), std::string::npos) << row.arguments << '\n' << outcome.err;
-    EXPECT_EQ(outcome.err.empty(), row.exitCode == 0) << row.arguments << '\n' << outcome.err;
-}

@@ -17,8 +17,7 @@ TEST_F(KvToolServices, PrintsChecksums) {
          "kvtool: none.txt: doesn't exist\nkvtool: .: is a folder"},
         {"checksum", 2, "", "FILE"},
     };
-    for (const Row &row : rows)
-        expectOutcome(row, run(row.arguments));
+    expectOutcomes(rows);
 }
 
 TEST_F(KvToolServices, TurnsPathsIntoUrlsAndBack) {
@@ -32,8 +31,7 @@ TEST_F(KvToolServices, TurnsPathsIntoUrlsAndBack) {
         {"url \"\"", 1, "", "an empty path"},
         {"url", 2, "", "PATH"},
     };
-    for (const Row &row : rows)
-        expectOutcome(row, run(row.arguments));
+    expectOutcomes(rows);
 }
 
 TEST_F(KvToolServices, RefusesWhatTheLibraryCannotHold) {
@@ -45,8 +43,7 @@ TEST_F(KvToolServices, RefusesWhatTheLibraryCannotHold) {
         {"url 'a\\b'", 1, "", "would come back as a/b"},
 #endif
     };
-    for (const Row &row : rows)
-        expectOutcome(row, run(row.arguments));
+    expectOutcomes(rows);
 }
 
 }  // namespace
