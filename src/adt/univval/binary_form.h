@@ -88,6 +88,9 @@ constexpr int kAtomOf = std::is_floating_point_v<Element> ? (sizeof(Element) == 
                         : sizeof(Element) == 2            ? kAtom16
                                                           : kAtom32;
 
+/// Throws what reading gives when there is less than it needs: KV_FileException ("ReadError").
+[[noreturn]] void failAsTruncated();
+
 /// Throws when the tree has something that the binary form has no place for: KV_FileException
 /// ("WriteError"), which names the entry, or KV_BinPackException for a type above 12. Does not recurse.
 void checkBinaryLimits(KV_UValDict &dict);

@@ -153,10 +153,7 @@ private:
 
     void next() {
         const std::uint64_t got = std::min<std::uint64_t>(m_stream.Read(m_block, 1, kBlockSize), kBlockSize);
-        if (got == 0) {
-            throw KV_FileException("ReadBinFromStream failed, 0 bytes read.", KV_FileException::ReadError, 0,
-                                   KV_HERE);
-        }
+        if (got == 0) failAsTruncated();
         m_taken += static_cast<std::int64_t>(got);
         m_cursor = m_block;
         m_end = m_block + got;
@@ -223,10 +220,7 @@ void KV_UValDict::AppendBinToStream(KV_Stream *stream) {
 }
 
 void KV_UValDict::ReadBinFromStream(KV_Stream *stream) {
-    if (stream == nullptr) {
-        throw KV_FileException("ReadBinFromStream failed, 0 bytes read.", KV_FileException::ReadError, 0,
-                               KV_HERE);
-    }
+    if (stream == nullptr) failAsTruncated();
     try {
         read(*this, *stream);
     } catch (const KV_BinPackException &) {

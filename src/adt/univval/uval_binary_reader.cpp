@@ -61,10 +61,7 @@ bool takeElements(unsigned char *&at, const unsigned char *end, Element *data, s
 
 /// Where there is no more to come, though the data says so.
 void needBytes(std::uint64_t needed, std::uint64_t left) {
-    if (needed > left) {
-        throw KV_FileException("ReadBinFromStream failed, 0 bytes read.", KV_FileException::ReadError, 0,
-                               KV_HERE);
-    }
+    if (needed > left) failAsTruncated();
 }
 
 /// What takes memory out of proportion to its bytes.
@@ -106,6 +103,11 @@ std::unique_ptr<KV_UVal> storeUnder(KV_UValDict &dict, std::string &&key, std::u
 }
 
 }  // namespace
+
+void kv::detail::failAsTruncated() {
+    throw KV_FileException("ReadBinFromStream failed, 0 bytes read.", KV_FileException::ReadError, 0,
+                           KV_HERE);
+}
 
 KV_BinPackUValDict::KV_BinPackUValDict() = default;
 
