@@ -156,12 +156,32 @@ TEST(BinaryForm, SizesOfLongArraysAreWholeOrTheLargest) {
 TEST(BinaryForm, AStreamThatDropsWhatItTakesIsAFailure) {
     KV_UValDict dict(16384);
     fillLong(dict);
-    KV_SStream stream;
-    stream.Open("w", false);
-    stream.Seek(100, KV_Stream::SeekFromStart);  // beyond the end: the stream fails from now on
-    EXPECT_EQ(
-        failure([&] { dict.AppendBinToStream(&stream); }),
-        "File exception: WriteError;   Detail: AppendBinToStream written buffer differs from given buffer");
+    struct {
+        const char *name;
+        void (*fail)(KV_SStream &);
+    } const cases[] = {
+        {"beyond the end", [](KV_SStream &s) { s.Seek(100, KV_Stream::SeekFromStart); }},
+        {"read beyond the end",
+         [](KV_SStream &s) {
+             while (!s.EndOfFile())
+                 s.Getc();
+         }},
+        {"read to the end",
+         [](KV_SStream &s) {
+             char line[9];
+             s.Gets(line, 9);
+         }},
+    };
+    for (const auto &c : cases) {
+        KV_SStream stream;
+        stream.Open("w", false);
+        stream.Puts("line");
+        c.fail(stream);
+        EXPECT_EQ(failure([&] { dict.AppendBinToStream(&stream); }),
+                  "File exception: WriteError;   Detail: AppendBinToStream written buffer differs from given "
+                  "buffer")
+            << c.name;
+    }
 }
 
 TEST(BinaryForm, ReadingLeavesThePlaceOfWritingAlone) {

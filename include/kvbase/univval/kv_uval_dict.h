@@ -195,11 +195,11 @@ public:
     void WriteTextFile(std::ostream &stream);
 
     /// Writes this dictionary in binary form (kv_uval_binary.h), header included, at the stream's position,
-    /// in blocks of 512 bytes. Throws KV_FileException with "WriteError": when the stream isn't open, when it
-    /// takes less than it is given, and, before the first byte, when something in the tree is beyond the
-    /// form's limits (entries of a level, bytes of a text, pointers, separators in keys); the message then
-    /// names the entry. A value of a type above 12 raises
-    /// KV_BinPackException, before the first byte as well.
+    /// in blocks of 512 bytes. Throws KV_FileException with "WriteError": when the stream isn't open; when it
+    /// takes less than it is given (one in memory takes nothing when it has failed or was read to its end);
+    /// and, before the first byte, when something in the tree is beyond the form's limits (entries of a
+    /// level, bytes of a text, pointers, separators in keys): the message then names the entry. A value of a
+    /// type above 12 raises KV_BinPackException, before the first byte as well.
     void AppendBinToStream(KV_Stream *stream);
     /// Reads a dictionary in binary form from the stream's position, as KV_BinPackUValDict::Get tells. The
     /// stream then stands directly behind it, so that another may follow; a stream that doesn't tell where it

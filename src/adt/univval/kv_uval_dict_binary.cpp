@@ -73,9 +73,13 @@ public:
     }
 
     void write(KV_Stream &stream) const {
-        const auto drain = [&stream](const unsigned char *block, std::size_t size, bool isLast) {
-            // A stream in memory that has failed before takes bytes and drops them.
-            if (stream.Write(block, 1, size) == size && (!isLast || stream.GetLastError() == 0)) return;
+        // A stream in memory that has failed before, or that was read to its end, takes bytes and drops them.
+        const std::int64_t begin = stream.Tell();
+        const auto hasDropped = [&stream, begin] {
+            return stream.GetLastError() != 0 || (stream.EndOfFile() && stream.Tell() == begin);
+        };
+        const auto drain = [&](const unsigned char *block, std::size_t size, bool isLast) {
+            if (stream.Write(block, 1, size) == size && !(isLast && hasDropped())) return;
             throw KV_FileException(isLast ? "AppendBinToStream written buffer differs from given buffer"
                                           : "AppendBinToStream could not write the complete buffer",
                                    KV_FileException::WriteError, 0, KV_HERE);
