@@ -66,13 +66,20 @@ private:
     std::streambuf *m_former = std::cout.rdbuf(m_output.rdbuf());
 };
 
+// As the C standard has it. Not every C library of Windows pads the day with a blank; some take a zero.
+std::string timeText(std::time_t time) {
+    std::string text = std::ctime(&time);
+    if (text[8] == '0') text[8] = ' ';
+    return text;
+}
+
 // Whether the text is a whole trace file of these lines, begun and ended between the two times.
 bool isTraceFile(const std::string &text, const std::string &lines, std::time_t from, std::time_t to) {
     for (std::time_t begin = from; begin <= to; ++begin)
         for (std::time_t end = begin; end <= to; ++end) {
             std::ostringstream expected;
-            expected << "Kalvor Log File\n\n" << std::ctime(&begin) << '\n' << lines;
-            expected << "Logging finished\n" << std::ctime(&end) << '\n';
+            expected << "Kalvor Log File\n\n" << timeText(begin) << '\n' << lines;
+            expected << "Logging finished\n" << timeText(end) << '\n';
             if (text == expected.str()) return true;
         }
     return false;
