@@ -195,19 +195,20 @@ public:
     void WriteTextFile(std::ostream &stream);
 
     /// Writes this dictionary in binary form (kv_uval_binary.h), header included, at the stream's position,
-    /// in blocks of 512 bytes. Throws KV_FileException with "WriteError": when the stream isn't open; when it
-    /// takes less than it is given (one in memory takes nothing when it has failed or was read to its end);
-    /// and, before the first byte, when something in the tree is beyond the form's limits (entries of a
-    /// level, bytes of a text, pointers, separators in keys): the message then names the entry. A value of a
-    /// type above 12 raises KV_BinPackException, before the first byte as well.
+    /// in blocks of 512 bytes; up to 4 MiB are held in memory until all is known to fit. Throws
+    /// KV_FileException with "WriteError": when the stream isn't open; when it takes less than it is given
+    /// (one in memory takes nothing when it has failed or was read to its end); and, before the first byte,
+    /// when something in the tree is beyond the form's limits (entries of a level, bytes of a text, pointers,
+    /// separators in keys): the message then names the entry. A value of a type above 12 raises
+    /// KV_BinPackException, before the first byte as well.
     void AppendBinToStream(KV_Stream *stream);
     /// Reads a dictionary in binary form from the stream's position, as KV_BinPackUValDict::Get tells. The
     /// stream then stands directly behind it, so that another may follow; a stream that doesn't tell where it
-    /// reads (a pipe, a stream in memory that is open for writing) is read to its end and stays there. Throws
-    /// KV_FileException: "ReadError" when the stream ends too early, the data names more bytes than the
-    /// stream still holds, or has more pointers or separators in keys than the limits of kv_uval_binary.h;
-    /// "InvalidFile" when this is no such form, or its statements contradict each other. This dictionary is
-    /// unchanged on failure; the stream stands somewhere.
+    /// reads (a pipe, a stream in memory that is open for writing) is read to its end, into memory, and stays
+    /// there. Throws KV_FileException: "ReadError" when there is no stream, it ends too early, the data names
+    /// more bytes than the stream still holds, or has more pointers or separators in keys than the limits of
+    /// kv_uval_binary.h; "InvalidFile" when this is no such form, or its statements contradict each other.
+    /// This dictionary is unchanged on failure; the stream stands somewhere.
     void ReadBinFromStream(KV_Stream *stream);
     /// AppendBinToStream into a file of its own. Throws KV_FileException as that does, the file untouched
     /// when something is beyond the limits; "OpenWrError" when the file doesn't open, and "WriteError" when
