@@ -377,7 +377,7 @@ TEST(BinaryForm, LargeDictionariesAreWrittenWholeOrNotAtAll) {
 
 // Keys with separators come into a dictionary through its map; in a file they are paths.
 TEST(BinaryForm, SeparatorsInKeysAreLimited) {
-    for (const std::size_t beyond : {0, 1}) {
+    for (const std::size_t beyond : {0U, 1U}) {
         KV_UValDict dict(16384), back(16384);
         for (const std::size_t count :
              {std::size_t{30000}, std::size_t{30000}, 65536 + 3 * 2 - 60000 + beyond})
