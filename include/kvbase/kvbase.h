@@ -38,3 +38,10 @@
 #include "kvbase/univval/kv_uval_dict.h"
 #include "kvbase/univval/kv_uval_leaf.h"
 #include "kvbase/univval/kv_uval_text.h"
+
+#include "kvbase/numerics/kv_math.h"
+#include "kvbase/numerics/kv_optimizer.h"
+#include "kvbase/numerics/kv_permutations.h"
+#include "kvbase/numerics/kv_poly.h"
+#include "kvbase/numerics/kv_simplex.h"
+#include "kvbase/numerics/kv_vectors.h"
