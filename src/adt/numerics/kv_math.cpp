@@ -20,6 +20,11 @@ constexpr double kSmallestDeterminant = 1e-10;
 
 std::size_t size(std::int32_t n) { return static_cast<std::size_t>(std::max(n, 0)); }
 
+// A matrix of zeros for the caller to release; an empty one is an array, too.
+std::unique_ptr<double[]> newMatrix(std::size_t rows, std::size_t columns) {
+    return std::make_unique<double[]>(std::max<std::size_t>(rows * columns, 1));
+}
+
 // The power of two that brings a matrix near 1 whose elements are so large or small that products of a few of
 // them would not be numbers any more, else 0. Powers of two take no digit away.
 int extremeExponent(const double *matrix, std::size_t count) {
@@ -233,7 +238,7 @@ void Constrained_Least_Squares(const double *a, const double *b, std::int32_t m,
 void Null_Space(const double *c, std::int32_t p, std::int32_t n, double **z, std::int32_t *k) {
     if (p == 1) {
         const std::size_t columns = size(n - 1);
-        auto basis = std::make_unique<double[]>(size(n) * columns);
+        auto basis = newMatrix(size(n), columns);
         for (std::size_t i = 0; i < columns; ++i) {
             basis[i * columns + i] = c[i + 1];
             basis[(i + 1) * columns + i] = -c[i];
@@ -248,7 +253,7 @@ void Null_Space(const double *c, std::int32_t p, std::int32_t n, double **z, std
     std::size_t columns = 0;
     for (std::size_t j = 0; j < size(n); ++j)
         columns += isFree(j) ? 1 : 0;
-    auto basis = std::make_unique<double[]>(size(n) * columns);
+    auto basis = newMatrix(size(n), columns);
     for (std::size_t j = 0, column = 0; j < size(n); ++j) {
         if (!isFree(j)) continue;
         for (std::size_t row = 0; row < size(n); ++row)
