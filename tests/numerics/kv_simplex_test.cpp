@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <numeric>
 
 #include "eigen_peer.h"
 #include "random_matrix.h"
@@ -118,9 +119,8 @@ TEST(MapOnSimplex, GivesThePointOfTheFaceThatTheSignsChoose) {
             Matrix t = randomMatrix(random, m.vertices, m.D), p = randomMatrix(random, 1, m.D);
             for (double &x : p)
                 x = static_cast<double>(static_cast<float>(x * 1.5));
-            std::vector<int> all;
-            for (int i = 0; i < m.vertices; ++i)
-                all.push_back(i);
+            std::vector<int> all(static_cast<std::size_t>(m.vertices));
+            std::iota(all.begin(), all.end(), 0);
             Matrix q(static_cast<std::size_t>(m.D)), w(all.size());
             m.map(p, t, q, w);
             const Matrix expected = byFaces(p, t, all, m.D);
