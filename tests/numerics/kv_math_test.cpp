@@ -218,7 +218,7 @@ TEST(EigenDecomposition, SolvesSymmetricProblemsAndLeavesEqualValuesToTheLast) {
     Matrix values(3, -1), vectors(9, -1);
     Eigen(twice.data(), 3, 3, values.data(), vectors.data());
     EXPECT_EQ(values, (Matrix{-1, 5, 2}));
-    for (const std::size_t row : {0, 3, 6})
+    for (std::size_t row = 0; row < 9; row += 3)
         EXPECT_EQ(vectors[row], -1) << "the first of the two equal ones";
     EXPECT_EQ(std::fabs(vectors[4]), 1);
     EXPECT_EQ(std::fabs(vectors[8]), 1);

@@ -12,9 +12,8 @@ using Rows = std::vector<std::string>;
 
 Rows permutations(std::uint8_t n) {
     std::vector<std::vector<std::uint8_t>> rows(FactorValue(n), std::vector<std::uint8_t>(n));
-    std::vector<std::uint8_t *> table;
-    for (auto &row : rows)
-        table.push_back(row.data());
+    std::vector<std::uint8_t *> table(rows.size());
+    std::transform(rows.begin(), rows.end(), table.begin(), [](auto &row) { return row.data(); });
     Permutations(n, table.data());
     Rows texts;
     for (const auto &row : rows) {

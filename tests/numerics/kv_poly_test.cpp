@@ -39,9 +39,9 @@ struct Fit {
 };
 
 std::vector<float> ramp(int count, float first, float step) {
-    std::vector<float> x;
-    for (int i = 0; i < count; ++i)
-        x.push_back(first + static_cast<float>(i) * step);
+    std::vector<float> x(static_cast<std::size_t>(count));
+    for (std::size_t i = 0; i < x.size(); ++i)
+        x[i] = first + static_cast<float>(i) * step;
     return x;
 }
 

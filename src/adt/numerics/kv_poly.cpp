@@ -3,6 +3,7 @@
 #include <cmath>
 #include <cstddef>
 #include <memory>
+#include <vector>
 
 #include "kvbase/numerics/kv_math.h"
 #include "kvbase/runtime/kv_exception.h"
@@ -15,15 +16,15 @@ constexpr std::int32_t kHighestOrder = 4;
 // The rows t, t^2, ... of the points behind the first one, and how far they lie above it.
 struct System {
     std::int32_t rows;
-    std::unique_ptr<double[]> matrix, right;
+    std::vector<double> matrix, right;
 };
 
 std::int32_t usualOrder(std::uint16_t count) { return count <= 3 ? 1 : count <= 5 ? 2 : count <= 7 ? 3 : 4; }
 
 System Poly_Design_Matrix(const float *x, const float *y, std::uint16_t count, std::int32_t order) {
     const std::size_t rows = count - 1U, columns = static_cast<std::size_t>(order);
-    System system{static_cast<std::int32_t>(rows), std::make_unique<double[]>(rows * columns),
-                  std::make_unique<double[]>(rows)};
+    System system{static_cast<std::int32_t>(rows), std::vector<double>(rows * columns),
+                  std::vector<double>(rows)};
     for (std::size_t i = 0; i < rows; ++i) {
         const float t = (x[i + 1] - x[0]) / (x[rows] - x[0]);
         double power = 1;
@@ -78,13 +79,12 @@ bool FitPoly(const float *x, const float *y, std::uint16_t count, bool constrain
     for (;; --tried) {
         const System system = Poly_Design_Matrix(x, y, count, tried);
         auto fitted = std::make_unique<double[]>(static_cast<std::size_t>(tried));
-        const double *const last = &system.matrix[static_cast<std::size_t>((system.rows - 1) * tried)];
+        const double *const last = system.matrix.data() + system.matrix.size() - tried;
         if (constrained)
-            Constrained_Least_Squares(system.matrix.get(), system.right.get(), system.rows, tried,
-                                      fitted.get(), last,
-                                      &system.right[static_cast<std::size_t>(system.rows - 1)], 1);
+            Constrained_Least_Squares(system.matrix.data(), system.right.data(), system.rows, tried,
+                                      fitted.get(), last, &system.right.back(), 1);
         else
-            Least_Squares(system.matrix.get(), system.right.get(), system.rows, tried, fitted.get());
+            Least_Squares(system.matrix.data(), system.right.data(), system.rows, tried, fitted.get());
         if (!Poly_Shape_Ok(tried, fitted.get(), lo, hi)) continue;
         *order = tried;
         *coefficients = fitted.release();
