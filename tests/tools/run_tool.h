@@ -70,8 +70,9 @@ protected:
     Outcome run(const std::string &arguments, const std::string &before = "cd .") const {
         const std::string program = fs::path(KVTOOL).make_preferred().string();
         const std::string command = before + " && \"" + program + "\" " + arguments + " >out.txt 2>err.txt";
+        // Wine at times starts no shell at all (-1), or the shell no program (9009).
         int status = -1;
-        for (int tries = 0; status == -1 && tries < 5; ++tries)  // -1: Wine at times starts no shell at all
+        for (int tries = 0; (status == -1 || status == 9009) && tries < 5; ++tries)
             status = std::system(command.c_str());
         return {status < 256 ? status : status / 256, printed(file("out.txt")), printed(file("err.txt"))};
     }
