@@ -45,3 +45,4 @@
 #include "kvbase/numerics/kv_poly.h"
 #include "kvbase/numerics/kv_simplex.h"
 #include "kvbase/numerics/kv_vectors.h"
+#include "kvbase/color/kv_color_space.h"

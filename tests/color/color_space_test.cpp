@@ -1,0 +1,2 @@
+#include <gtest/gtest.h>
+#include <kvbase/color/kv_color_space.h>
