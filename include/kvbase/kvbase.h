@@ -45,4 +45,8 @@
 #include "kvbase/numerics/kv_poly.h"
 #include "kvbase/numerics/kv_simplex.h"
 #include "kvbase/numerics/kv_vectors.h"
+#include "kvbase/color/kv_color_difference.h"
 #include "kvbase/color/kv_color_space.h"
+#include "kvbase/color/kv_colorimetry.h"
+#include "kvbase/color/kv_ct_cielab.h"
+#include "kvbase/color/kv_ct_icc_cam.h"

@@ -1,0 +1,47 @@
+#include "kvbase/color/kv_ct_icc_cam.h"
+
+#include <algorithm>
+
+KV_CTIccCam::KV_CTIccCam() = default;
+
+void KV_CTIccCam::XYZ2Jab(float *xyz, float *jab, int count) const {
+    for (; count > 0; --count, xyz += 3, jab += 3)
+        m_model.XyzToJab(xyz, jab);
+}
+
+void KV_CTIccCam::Jab2XYZ(float *jab, float *xyz, int count) const {
+    for (; count > 0; --count, jab += 3, xyz += 3)
+        m_model.JabToXyz(jab, xyz);
+}
+
+void KV_CTIccCam::GetParameter_WhitePoint(float *out) const { std::copy_n(m_model.whitePoint, 3, out); }
+
+void KV_CTIccCam::SetParameter_La(float value) {
+    m_model.La = value;
+    m_model.CalcCoefficients();
+}
+
+void KV_CTIccCam::SetParameter_Yb(float value) {
+    m_model.Yb = value;
+    m_model.CalcCoefficients();
+}
+
+void KV_CTIccCam::SetParameter_C(float value) {
+    m_model.C = value;
+    m_model.CalcCoefficients();
+}
+
+void KV_CTIccCam::SetParameter_Nc(float value) {
+    m_model.Nc = value;
+    m_model.CalcCoefficients();
+}
+
+void KV_CTIccCam::SetParameter_F(float value) {
+    m_model.F = value;
+    m_model.CalcCoefficients();
+}
+
+void KV_CTIccCam::SetParameter_WhitePoint(float *whitePoint) {
+    std::copy_n(whitePoint, 3, m_model.whitePoint);
+    m_model.CalcCoefficients();
+}
