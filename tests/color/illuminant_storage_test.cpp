@@ -12,6 +12,7 @@
 #include <locale>
 #include <sstream>
 #include <string>
+#include <utility>
 
 #include "comma.h"
 #include "temp_folder.h"
@@ -232,47 +233,44 @@ TEST_F(IlluminantFile, GoldenFile) {
 }
 
 TEST_F(IlluminantFile, OtherTexts) {
-    struct Row {
-        const char *name, *text;
-        float second;  // sample of a file that is valid; below 0 for one that is not
+    constexpr float kNotValidAt = -1;
+    const std::pair<const char *, float> rows[] = {
+        // what stands behind the first word, and the second of three samples
+        {"0 400 420 10 3 BEGIN 1 2 3 END", 2},
+        {"0 400 420 10 3 BEGIN_DATA_OF_21_CHAR 1 2 3 END_DATA_OF_21_CHARS_", 2},
+        {"0 400 420 10 3 BEGIN_DATA_OF_22_CHARS 1 2 3 END", kNotValidAt},
+        {"0 400 420 10 3 B 1 2 3 END_DATA_OF_22_CHARACT", kNotValidAt},
+        {"", kNotValidAt},
+        {"0 400 420 10 3 BEGIN 1", 0},
+        {"0 400 420 10 3 BEGIN 1 x 3 END", 0},
+        {"0 400 420 10 3 BEGIN 1 1e39 3 END", 0},
+        {"x 400 420 10 3 BEGIN 1 2 3 END", kNotValidAt},
+        {"0 400 420 10 2147483648 BEGIN 1 2 3 END", kNotValidAt},
+        {"0 400 420 10 1000001 BEGIN 1 2 3 END", kNotValidAt},
+        {"0 400 420 10 -3 BEGIN 1 2 3 END", kNotValidAt},
+        {"0 400 420 10 0 BEGIN END", kNotValidAt},
+        {"0 400 420 0 3 BEGIN 1 2 3 END", kNotValidAt},
+        {"0 400 420 -10 3 BEGIN 1 2 3 END", kNotValidAt},
+        {"0 420 400 10 3 BEGIN 1 2 3 END", kNotValidAt},
+        {"0 -2147483648 2147483647 1 3 BEGIN 1 2 3 END", 2},
     };
-    const Row rows[] = {
-        {"no line ends, other words", "CMS_ILLUMINANT_CUSTOM 0 400 420 10 3 BEGIN 1 2 3 END", 2},
-        {"words of 21 characters",
-         "CMS_ILLUMINANT_CUSTOM 0 400 420 10 3 BEGIN_DATA_OF_21_CHAR 1 2 3 END_DATA_OF_21_CHARS_", 2},
-        {"22 before", "CMS_ILLUMINANT_CUSTOM 0 400 420 10 3 BEGIN_DATA_OF_22_CHARS 1 2 3 END", -1},
-        {"22 behind", "CMS_ILLUMINANT_CUSTOM 0 400 420 10 3 B 1 2 3 END_DATA_OF_22_CHARACT", -1},
-        {"a longer first word", "CMS_ILLUMINANT_CUSTOMS 0 400 420 10 3 BEGIN 1 2 3 END", -1},
-        {"lower case", "cms_illuminant_custom 0 400 420 10 3 BEGIN 1 2 3 END", -1},
-        {"empty", "", -1},
-        {"ends behind the first word", "CMS_ILLUMINANT_CUSTOM", -1},
-        {"ends within the samples", "CMS_ILLUMINANT_CUSTOM 0 400 420 10 3 BEGIN 1", 0},
-        {"no number among the samples", "CMS_ILLUMINANT_CUSTOM 0 400 420 10 3 BEGIN 1 x 3 END", 0},
-        {"a sample beyond float", "CMS_ILLUMINANT_CUSTOM 0 400 420 10 3 BEGIN 1 1e39 3 END", 0},
-        {"no temperature", "CMS_ILLUMINANT_CUSTOM x 400 420 10 3 BEGIN 1 2 3 END", -1},
-        {"a count beyond 31 bits", "CMS_ILLUMINANT_CUSTOM 0 400 420 10 2147483648 BEGIN 1 2 3 END", -1},
-        {"a count beyond a million", "CMS_ILLUMINANT_CUSTOM 0 400 420 10 1000001 BEGIN 1 2 3 END", -1},
-        {"a count below 0", "CMS_ILLUMINANT_CUSTOM 0 400 420 10 -3 BEGIN 1 2 3 END", -1},
-        {"no samples", "CMS_ILLUMINANT_CUSTOM 0 400 420 10 0 BEGIN END", -1},
-        {"step 0", "CMS_ILLUMINANT_CUSTOM 0 400 420 0 3 BEGIN 1 2 3 END", -1},
-        {"step below 0", "CMS_ILLUMINANT_CUSTOM 0 400 420 -10 3 BEGIN 1 2 3 END", -1},
-        {"ends before it starts", "CMS_ILLUMINANT_CUSTOM 0 420 400 10 3 BEGIN 1 2 3 END", -1},
-        {"fewer samples than the grid", "CMS_ILLUMINANT_CUSTOM 0 -2147483648 2147483647 1 3 BEGIN 1 2 3 END",
-         2},
-    };
-    for (const Row &row : rows) {
-        write("light.txt", row.text);
+    for (const auto &[text, second] : rows) {
+        write("light.txt", std::string("CMS_ILLUMINANT_CUSTOM ") + text);
         KV_Illuminant light(KV_IT_C, k10);
         const std::string seen = failure([&] { light.Read(spec("light.txt")); });
-        if (row.second >= 0) {
-            EXPECT_EQ(seen, "none") << row.name;
-            ASSERT_EQ(light.GetSpectrum()->count, 3) << row.name;
-            EXPECT_EQ(light.GetSpectrum()->data[1], row.second) << row.name;
+        if (second != kNotValidAt) {
+            EXPECT_EQ(seen, "none") << text;
+            ASSERT_EQ(light.GetSpectrum()->count, 3) << text;
+            EXPECT_EQ(light.GetSpectrum()->data[1], second) << text;
         } else {
-            EXPECT_EQ(seen, kNotValid) << row.name;
-            EXPECT_STREQ(light.GetIlluminantName(), "C") << row.name;
-            EXPECT_EQ(light.GetXYZ().Z, 116.08F) << row.name;
+            EXPECT_EQ(seen, kNotValid) << text;
+            EXPECT_STREQ(light.GetIlluminantName(), "C") << text;
+            EXPECT_EQ(light.GetXYZ().Z, 116.08F) << text;
         }
+    }
+    for (const char *word : {"", "cms_illuminant_custom", "CMS_ILLUMINANT_CUSTOMS", "CMS_ILLUMINANT"}) {
+        write("light.txt", std::string(word) + " 0 400 420 10 3 BEGIN 1 2 3 END");
+        EXPECT_EQ(failure([&] { KV_Illuminant().Read(spec("light.txt")); }), kNotValid) << word;
     }
 }
 
@@ -287,29 +285,20 @@ TEST_F(IlluminantFile, FilesThatCannotBeHad) {
 
 TEST_F(IlluminantFile, WhatAFileCannotHoldIsNotWritten) {
     constexpr float kInfinity = std::numeric_limits<float>::infinity();
-    KV_Spectrum none;
-    KV_Spectrum infinite(400, 420, 10);
+    KV_Spectrum none, infinite(400, 420, 10), noStep(400, 420, 10), tooMany(0, 1000000, 1);
     infinite.data[1] = kInfinity;
-    KV_Spectrum noStep(400, 420, 10);
     noStep.step = 0;
-    KV_Spectrum tooMany(0, 1000000, 1);
-    struct Row {
-        const char *name;
-        KV_Illuminant light;
-    };
-    const Row rows[] = {
-        {"no spectrum", byWhite({95, 100, 90}, k2)}, {"no samples", {&none, k2}},
-        {"an infinite sample", {&infinite, k2}},     {"no step", {&noStep, k2}},
-        {"too many samples", {&tooMany, k2}},        {"an infinite temperature", {KV_IT_D, kInfinity, k2}},
-    };
+    const KV_Illuminant lights[] = {
+        byWhite({95, 100, 90}, k2), {&none, k2}, {&infinite, k2}, {&noStep, k2}, {&tooMany, k2},
+        {KV_IT_D, kInfinity, k2}};
     write("kept.txt", "kept");
-    for (const Row &row : rows) {
-        KV_Illuminant light(row.light);
-        const std::string refused =
-            "File exception: WriteError;   Detail: Write failed because the illuminant has no spectrum that "
-            "a file can hold";
-        EXPECT_EQ(failure([&] { light.Write(spec("new.txt")); }), refused) << row.name;
-        EXPECT_EQ(failure([&] { light.Write(spec("kept.txt")); }), refused) << row.name;
+    for (KV_Illuminant light : lights) {
+        for (const char *name : {"new.txt", "kept.txt"}) {
+            EXPECT_EQ(
+                failure([&] { light.Write(spec(name)); }),
+                "File exception: WriteError;   Detail: Write failed because the illuminant has no spectrum "
+                "that a file can hold");
+        }
     }
     EXPECT_FALSE(fs::exists(folder / "new.txt"));
     EXPECT_EQ(contents("kept.txt"), "kept");

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <limits>
 #include <string>
-#include <vector>
+#include <utility>
 
 #include "runtime/trace_capture.h"
 
