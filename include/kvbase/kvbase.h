@@ -45,6 +45,7 @@
 #include "kvbase/numerics/kv_poly.h"
 #include "kvbase/numerics/kv_simplex.h"
 #include "kvbase/numerics/kv_vectors.h"
+
 #include "kvbase/color/kv_color_difference.h"
 #include "kvbase/color/kv_color_space.h"
 #include "kvbase/color/kv_color_space_info.h"
