@@ -115,8 +115,7 @@ public:
     /// KV_IT_BlackBody that at 5000 K, and these and F1, F2 and D50_Local have integrated white points. The
     /// temperature of E, F1, F2 and D50_Local is that of the nearest daylight. Any other number, KV_IT_D and
     /// KV_IT_F3 to KV_IT_F11 give D50. The fixed white point of B under the 10 degree observer, 98.15, 100,
-    /// 91.85, is not what its spectrum integrates to; it stands as it is for the sake of data that rest on
-    /// it.
+    /// 91.85, is far from what its spectrum integrates to, 99.20, 100, 84.32.
     void SetStandardIlluminant(KV_IlluminantType type, KV_ObserverType observer);
     /// Daylight of a temperature: the CIE daylight series, whose spectrum is that of the temperature limited
     /// to 4000 to 25000. One that rounds to 5000, 6500 or 9300 is D50, D65 or D93, with a fixed white point

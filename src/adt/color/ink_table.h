@@ -12,15 +12,15 @@
 
 namespace kv::detail {
 
-/// An ink: its letter in the names of spaces, its name, and its filter in "D_RED D_GREEN D_BLUE D_VIS".
+/// An ink: its name, its filter in "D_RED D_GREEN D_BLUE D_VIS", and its letter in the names of spaces.
 struct Ink {
-    char letter;
     const char *name;
     std::int32_t filter;
+    char letter;
 };
 constexpr Ink kInks[] = {
-    {'C', "Cyan", 0},  {'M', "Magenta", 1}, {'Y', "Yellow", 2}, {'K', "Black", 3},  {'O', "Orange", 2},
-    {'G', "Green", 0}, {'B', "Blue", 1},    {'R', "Red", 2},    {'V', "Violet", 1},
+    {"Cyan", 0, 'C'},  {"Magenta", 1, 'M'}, {"Yellow", 2, 'Y'}, {"Black", 3, 'K'},  {"Orange", 2, 'O'},
+    {"Green", 0, 'G'}, {"Blue", 1, 'B'},    {"Red", 2, 'R'},    {"Violet", 1, 'V'},
 };
 constexpr std::string_view kProcessInks = "CMYK";
 

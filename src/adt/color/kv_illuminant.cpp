@@ -37,22 +37,22 @@ constexpr FixedDaylight kFixedDaylights[] = {
 
 constexpr float kFromWhitePoint = 0;
 
-/// The standard lights other than daylight. The white point of B under the 10 degree observer is not what its
-/// spectrum gives; it is the one that this system has always had.
+/// The standard lights other than daylight. The white point of B under the 10 degree observer is far from what
+/// its spectrum gives, 99.20, 100, 84.32: it is fixed nevertheless.
 struct StandardLight {
-    KV_IlluminantType type;
     kv::detail::Spectrum (*spectrum)();
+    KV_IlluminantType type;
     float temperature;
     FixedWhite white;
 };
 constexpr StandardLight kStandardLights[] = {
-    {KV_IT_A, [] { return kv::detail::blackBodySpectrum(2856); }, 2856, kIntegrated},
-    {KV_IT_B, kv::detail::illuminantBSpectrum, 4874, {{99.07F, 100, 85.22F}, {98.15F, 100, 91.85F}}},
-    {KV_IT_C, kv::detail::illuminantCSpectrum, 6774, {{98.04F, 100, 118.1F}, {97.28F, 100, 116.08F}}},
-    {KV_IT_E, kv::detail::equalEnergySpectrum, kFromWhitePoint, {{100, 100, 100}, {100, 100, 100}}},
-    {KV_IT_F1, kv::detail::f1Spectrum, kFromWhitePoint, kIntegrated},
-    {KV_IT_F2, kv::detail::f2Spectrum, kFromWhitePoint, kIntegrated},
-    {KV_IT_D50_Local, kv::detail::d50LocalSpectrum, kFromWhitePoint, kIntegrated},
+    {[] { return kv::detail::blackBodySpectrum(2856); }, KV_IT_A, 2856, kIntegrated},
+    {kv::detail::illuminantBSpectrum, KV_IT_B, 4874, {{99.07F, 100, 85.22F}, {98.15F, 100, 91.85F}}},
+    {kv::detail::illuminantCSpectrum, KV_IT_C, 6774, {{98.04F, 100, 118.1F}, {97.28F, 100, 116.08F}}},
+    {kv::detail::equalEnergySpectrum, KV_IT_E, kFromWhitePoint, {{100, 100, 100}, {100, 100, 100}}},
+    {kv::detail::f1Spectrum, KV_IT_F1, kFromWhitePoint, kIntegrated},
+    {kv::detail::f2Spectrum, KV_IT_F2, kFromWhitePoint, kIntegrated},
+    {kv::detail::d50LocalSpectrum, KV_IT_D50_Local, kFromWhitePoint, kIntegrated},
 };
 
 const XYZType &under(KV_ObserverType observer, const FixedWhite &white) {

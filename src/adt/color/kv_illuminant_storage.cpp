@@ -117,7 +117,8 @@ void KV_Illuminant::SetDictionary(KV_UValDict *dictionary) {
     if (dictionary == nullptr) return;
     const auto type =
         static_cast<KV_IlluminantType>(dictionary->GetValue("illuminantType", std::int32_t{KV_IT_D50}, 0));
-    auto spectrum = type == KV_IT_Custom_Spectral ? spectrumOf(*dictionary) : nullptr;
+    std::unique_ptr<KV_Spectrum> spectrum;
+    if (type == KV_IT_Custom_Spectral) spectrum = spectrumOf(*dictionary);
     m_illuminance = 500;
     m_observer =
         static_cast<KV_ObserverType>(dictionary->GetValue("observerType", std::int32_t{KV_Observer2Deg}, 0));

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cstddef>
 #include <limits>
-#include <memory>
 #include <new>
 #include <utility>
 
@@ -12,16 +11,15 @@
 
 namespace {
 
-using Samples = std::unique_ptr<float[]>;
-
 /// count samples of 0; null for a count below 1.
-Samples newSamples(std::int32_t count) {
-    return count > 0 ? std::make_unique<float[]>(static_cast<std::size_t>(count)) : nullptr;
+float *newSamples(std::int32_t count) {
+    return count > 0 ? new float[static_cast<std::size_t>(count)]() : nullptr;
 }
 
-Samples copyOf(const float *values, std::int32_t count) {
-    Samples copy = values != nullptr ? newSamples(count) : nullptr;
-    if (copy != nullptr) std::copy_n(values, count, copy.get());
+float *copyOf(const float *values, std::int32_t count) {
+    if (values == nullptr) return nullptr;
+    float *copy = newSamples(count);
+    if (copy != nullptr) std::copy_n(values, count, copy);
     return copy;
 }
 
@@ -37,7 +35,7 @@ KV_Spectrum::KV_Spectrum(std::int32_t gridStart, std::int32_t gridEnd, std::int3
     const std::int64_t samples = kv::detail::gridSamples(start, end, step);
     if (samples > std::numeric_limits<std::int32_t>::max()) throw std::bad_array_new_length();
     count = static_cast<std::int32_t>(samples);
-    data = newSamples(count).release();
+    data = newSamples(count);
 }
 
 KV_Spectrum::KV_Spectrum(const KV_Spectrum &other)
@@ -45,7 +43,7 @@ KV_Spectrum::KV_Spectrum(const KV_Spectrum &other)
       end(other.end),
       step(other.step),
       count(other.count),
-      data(copyOf(other.data, other.count).release()) {}
+      data(copyOf(other.data, other.count)) {}
 
 KV_Spectrum::KV_Spectrum(KV_Spectrum &&other) noexcept
     : start(other.start),
@@ -76,22 +74,22 @@ void KV_Spectrum::MakeCopyOf(KV_Spectrum *source) {
 
 void KV_Spectrum::SetSpectrum(std::int32_t gridStart, std::int32_t gridEnd, std::int32_t gridStep,
                               std::int32_t samples, float *values) {
-    Samples copy = copyOf(values, samples);
+    float *copy = copyOf(values, samples);
     start = gridStart;
     end = gridEnd;
     step = gridStep;
     count = samples;
     delete[] data;
-    data = copy.release();
+    data = copy;
 }
 
 void KV_Spectrum::SetSpectrum(std::int32_t gridStart, std::int32_t gridEnd, std::int32_t gridStep,
                               std::int32_t samples, std::vector<float> &values) {
-    Samples copy = values.empty() ? nullptr : newSamples(samples);
+    float *copy = values.empty() ? nullptr : newSamples(samples);
     if (copy != nullptr)
-        std::copy_n(values.begin(), std::min(values.size(), static_cast<std::size_t>(samples)), copy.get());
+        std::copy_n(values.begin(), std::min(values.size(), static_cast<std::size_t>(samples)), copy);
     SetSpectrum(gridStart, gridEnd, gridStep, samples, nullptr);
-    data = copy.release();
+    data = copy;
 }
 
 float KV_Spectrum::GetSpectralValueAtWavelength(std::int32_t wavelength) const {
