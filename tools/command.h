@@ -19,5 +19,7 @@ void addValuesCommands(CLI::App &app);
 void addCipherCommands(CLI::App &app);
 void addChecksumCommand(CLI::App &app);
 void addUrlCommand(CLI::App &app);
+/// Below "color".
+void addIlluminantCommand(CLI::App &color);
 
 }  // namespace kvtool
