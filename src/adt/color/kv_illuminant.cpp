@@ -37,8 +37,8 @@ constexpr FixedDaylight kFixedDaylights[] = {
 
 constexpr float kFromWhitePoint = 0;
 
-/// The standard lights other than daylight. The white point of B under the 10 degree observer is far from what
-/// its spectrum gives, 99.20, 100, 84.32: it is fixed nevertheless.
+/// The standard lights other than daylight. The white point of B under the 10 degree observer is far from
+/// what its spectrum gives, 99.20, 100, 84.32: it is fixed nevertheless.
 struct StandardLight {
     kv::detail::Spectrum (*spectrum)();
     KV_IlluminantType type;
