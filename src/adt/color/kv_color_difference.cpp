@@ -1,17 +1,18 @@
 #include "kvbase/color/kv_color_difference.h"
 
-#include "adt/color/plain_difference.h"
+#include <cstddef>
+
+#include "adt/color/color_kernels.h"
 
 namespace {
 
+using kv::detail::ColorKernels;
 using kv::detail::DifferenceWeights;
 
-using PairForm = float (*)(const float *lab1, const float *lab2, const DifferenceWeights &weights);
-
-void overPairs(PairForm form, const float *lab1, const float *lab2, std::int32_t count, float *out,
-               const DifferenceWeights &weights) {
-    for (; count > 0; --count, lab1 += 3, lab2 += 3)
-        *out++ = form(lab1, lab2, weights);
+void overPairs(ColorKernels::Difference ColorKernels::*formula, const float *lab1, const float *lab2,
+               std::int32_t count, float *out, const DifferenceWeights &weights) {
+    if (count > 0)
+        (kv::detail::colorKernels().*formula)(lab1, lab2, static_cast<std::size_t>(count), out, weights);
 }
 
 }  // namespace
@@ -35,19 +36,19 @@ float ColorDifference(float *lab1, float *lab2, KV_ColorDifferenceFormula formul
 }
 
 void ColorDifferenceDeltaEab(float *lab1, float *lab2, std::int32_t count, float *out) {
-    overPairs(kv::detail::plainDeltaEab, lab1, lab2, count, out, {});
+    overPairs(&ColorKernels::deltaEab, lab1, lab2, count, out, {});
 }
 
 void ColorDifferenceDeltaE94(float *lab1, float *lab2, std::int32_t count, float *out, float kL, float kC,
                              float kH) {
-    overPairs(kv::detail::plainDeltaE94, lab1, lab2, count, out, {kL, kC, kH});
+    overPairs(&ColorKernels::deltaE94, lab1, lab2, count, out, {kL, kC, kH});
 }
 
 void ColorDifferenceDeltaECMC(float *lab1, float *lab2, std::int32_t count, float *out, float l, float c) {
-    overPairs(kv::detail::plainDeltaECmc, lab1, lab2, count, out, {l, c, 1});
+    overPairs(&ColorKernels::deltaECmc, lab1, lab2, count, out, {l, c, 1});
 }
 
 void ColorDifferenceDeltaE2000(float *lab1, float *lab2, std::int32_t count, float *out, float kL, float kC,
                                float kH) {
-    overPairs(kv::detail::plainDeltaE2000, lab1, lab2, count, out, {kL, kC, kH});
+    overPairs(&ColorKernels::deltaE2000, lab1, lab2, count, out, {kL, kC, kH});
 }

@@ -3,12 +3,15 @@
 #include <cmath>
 #include <initializer_list>
 
+#include "adt/color/tables/cie_curve.h"
+
 namespace {
 
-constexpr double kCurveStart = 0.008856451679035631;    // (6 / 29)^3
-constexpr double kCurveOffset = 0.13793103448275862;    // 4 / 29
-constexpr double kMirrorOffset = 0.27586206896551724;   // 8 / 29
-constexpr double kCurveHalfRise = 0.06896551724137931;  // 2 / 29
+using kv::detail::kCurveHalfRise;
+using kv::detail::kCurveOffset;
+using kv::detail::kCurveStart;
+using kv::detail::kMirrorOffset;
+
 constexpr double kThird = 0.3333333333333333;
 
 template <class Number>

@@ -1,17 +1,18 @@
 #include "kvbase/color/kv_ct_icc_cam.h"
 
 #include <algorithm>
+#include <cstddef>
+
+#include "adt/color/color_kernels.h"
 
 KV_CTIccCam::KV_CTIccCam() = default;
 
 void KV_CTIccCam::XYZ2Jab(float *xyz, float *jab, int count) const {
-    for (; count > 0; --count, xyz += 3, jab += 3)
-        m_model.XyzToJab(xyz, jab);
+    if (count > 0) kv::detail::colorKernels().xyzToJab(m_model, xyz, jab, static_cast<std::size_t>(count));
 }
 
 void KV_CTIccCam::Jab2XYZ(float *jab, float *xyz, int count) const {
-    for (; count > 0; --count, jab += 3, xyz += 3)
-        m_model.JabToXyz(jab, xyz);
+    if (count > 0) kv::detail::colorKernels().jabToXyz(m_model, jab, xyz, static_cast<std::size_t>(count));
 }
 
 void KV_CTIccCam::GetParameter_WhitePoint(float *out) const { std::copy_n(m_model.whitePoint, 3, out); }

@@ -5,7 +5,7 @@
 namespace kv::detail {
 
 // The ratios are floats, all else is double.
-void plainXyzToLab(const float *white, const float *xyz, float *lab) {
+void plainXyzToLab(const float (&white)[3], const float *xyz, float *lab) {
     const double fx = CieF(static_cast<double>(xyz[0] / white[0]));
     const double fy = CieF(static_cast<double>(xyz[1] / white[1]));
     const double fz = CieF(static_cast<double>(xyz[2] / white[2]));
@@ -14,7 +14,7 @@ void plainXyzToLab(const float *white, const float *xyz, float *lab) {
     lab[2] = static_cast<float>((fy - fz) * 200);
 }
 
-void plainLabToXyz(const float *white, const float *lab, float *xyz) {
+void plainLabToXyz(const float (&white)[3], const float *lab, float *xyz) {
     const double fy = (static_cast<double>(lab[0]) + 16) / 116;
     const double fx = static_cast<double>(lab[1]) / 500 + fy;
     const double fz = fy - static_cast<double>(lab[2]) / 200;

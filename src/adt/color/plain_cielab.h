@@ -5,7 +5,7 @@
 
 namespace kv::detail {
 
-void plainXyzToLab(const float *white, const float *xyz, float *lab);
-void plainLabToXyz(const float *white, const float *lab, float *xyz);
+void plainXyzToLab(const float (&white)[3], const float *xyz, float *lab);
+void plainLabToXyz(const float (&white)[3], const float *lab, float *xyz);
 
 }  // namespace kv::detail
