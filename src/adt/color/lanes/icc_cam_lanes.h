@@ -55,7 +55,7 @@ KV_INLINE Floats decompressed(const IccCamModel &model, Floats y) {
 }
 
 // Beyond any real color. A unit in the last place of a hue moves a color of more chroma too far.
-constexpr float kMostChroma = 150;
+inline constexpr float kMostChroma = 150;
 
 struct Hue {
     Floats degrees;  ///< above 0 up to 360, as of ab2chDeg

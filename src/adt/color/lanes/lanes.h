@@ -21,13 +21,13 @@ namespace kv::detail {
 namespace {
 
 #if defined(__AVX512F__)
-constexpr std::size_t kRegister = 64;
+inline constexpr std::size_t kRegister = 64;
 #elif defined(__AVX2__)
-constexpr std::size_t kRegister = 32;
+inline constexpr std::size_t kRegister = 32;
 #else
-constexpr std::size_t kRegister = 16;
+inline constexpr std::size_t kRegister = 16;
 #endif
-constexpr std::size_t kLanes = kRegister / sizeof(float);
+inline constexpr std::size_t kLanes = kRegister / sizeof(float);
 
 using Floats [[gnu::vector_size(kRegister)]] = float;
 using Ints [[gnu::vector_size(kRegister)]] = std::int32_t;  // what comparing gives: -1 where it holds, else 0
@@ -115,7 +115,7 @@ KV_INLINE Floats fromBits(Ints v) { return __builtin_bit_cast(Floats, v); }
 KV_INLINE Longs bits(Doubles v) { return __builtin_bit_cast(Longs, v); }
 KV_INLINE Doubles fromBits(Longs v) { return __builtin_bit_cast(Doubles, v); }
 
-constexpr std::int32_t kSign = INT32_MIN;
+inline constexpr std::int32_t kSign = INT32_MIN;
 
 KV_INLINE Floats abs(Floats v) { return fromBits(bits(v) & ~kSign); }
 KV_INLINE Floats copySign(Floats magnitude, Floats sign) {
