@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <memory>
 #include <sstream>
+#include <stdexcept>
 #include <string>
 
 #include "adt/color/illuminant_text.h"
@@ -40,8 +41,7 @@ void readText(const std::string &text) {
     std::unique_ptr<KV_Spectrum> spectrum;
     try {
         spectrum = std::make_unique<KV_Spectrum>(kv::detail::readSpectrumText(in));
-    } catch (const KV_FileException &e) {
-        require(e.GetFileErrorId() == KV_FileException::InvalidFile);
+    } catch (const std::runtime_error &) {
         return;
     }
     const KV_Illuminant light(spectrum.get(), KV_Observer10Deg);

@@ -61,7 +61,7 @@ public:
     void SetObserverType(KV_ObserverType observer);
 
 private:
-    void setGrid(std::int32_t start, std::int32_t end, std::int32_t step, std::int64_t count);
+    void setGrid(std::int32_t start, std::int32_t end, std::int32_t step, std::int32_t count);
 
     KV_ColorSpace m_colorSpace = KV_CS_LAB;
     std::uint32_t m_dimension = 3;

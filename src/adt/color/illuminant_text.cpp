@@ -6,26 +6,20 @@
 #include <ostream>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <vector>
-
-#include "kvbase/runtime/kv_exception.h"
 
 namespace kv::detail {
 
 namespace {
 
-const std::string kMagic = "CMS_ILLUMINANT_CUSTOM";
-
-/// A text that is not of the form.
-struct NotValid : std::runtime_error {
-    using std::runtime_error::runtime_error;
-};
+constexpr std::string_view kMagic = "CMS_ILLUMINANT_CUSTOM";
 
 /// The next word, empty at the end of the text. None is longer than the first of the form.
 std::string nextWord(std::istream &stream) {
     std::string word;
     stream >> std::setw(static_cast<int>(kMagic.size()) + 1) >> word;
-    if (word.size() > kMagic.size()) throw NotValid("a word is too long");
+    if (word.size() > kMagic.size()) throw std::runtime_error("a word is too long");
     return word;
 }
 
@@ -37,16 +31,19 @@ Number nextNumber(std::istream &stream) {
     return stream ? number : 0;
 }
 
-KV_Spectrum readSpectrum(std::istream &stream) {
+}  // namespace
+
+KV_Spectrum readSpectrumText(std::istream &stream) {
     stream.imbue(std::locale::classic());
-    if (nextWord(stream) != kMagic) throw NotValid("not an illuminant");
+    if (nextWord(stream) != kMagic) throw std::runtime_error("not an illuminant");
     nextNumber<float>(stream);  // the temperature, which the spectrum tells
     KV_Spectrum spectrum;
     spectrum.start = nextNumber<std::int32_t>(stream);
     spectrum.end = nextNumber<std::int32_t>(stream);
     spectrum.step = nextNumber<std::int32_t>(stream);
     const auto count = nextNumber<std::int32_t>(stream);
-    if (!isStorable(spectrum.start, spectrum.end, spectrum.step, count)) throw NotValid("not a grid");
+    if (!isStorable(spectrum.start, spectrum.end, spectrum.step, count))
+        throw std::runtime_error("not a grid");
     nextWord(stream);
     std::vector<float> samples(static_cast<std::size_t>(count));
     for (float &sample : samples)
@@ -54,17 +51,6 @@ KV_Spectrum readSpectrum(std::istream &stream) {
     nextWord(stream);
     spectrum.SetSpectrum(spectrum.start, spectrum.end, spectrum.step, count, samples);
     return spectrum;
-}
-
-}  // namespace
-
-KV_Spectrum readSpectrumText(std::istream &stream) {
-    try {
-        return readSpectrum(stream);
-    } catch (const std::exception &) {
-        throw KV_FileException("Read failed because file is NOT valid", KV_FileException::InvalidFile, 0,
-                               KV_HERE);
-    }
 }
 
 void writeSpectrumText(std::ostream &stream, float temperature, const KV_Spectrum &spectrum) {

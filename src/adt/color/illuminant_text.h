@@ -25,9 +25,8 @@ constexpr bool isStorable(std::int32_t start, std::int32_t end, std::int32_t ste
     return step > 0 && end >= start && count > 0 && count <= kMostSamples;
 }
 
-/// Reads a spectrum. Numbers that can't be read, and all behind them, are 0. Throws KV_FileException:
-/// InvalidFile, "Read failed because file is NOT valid", for any other text than one of this form, and when
-/// memory runs out.
+/// Reads a spectrum. Numbers that can't be read, and all behind them, are 0. Throws std::runtime_error for a
+/// text of another form.
 KV_Spectrum readSpectrumText(std::istream &stream);
 
 /// Writes a spectrum, which must be storable.

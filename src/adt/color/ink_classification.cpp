@@ -30,16 +30,16 @@ float hueDegrees(const float *lab) {
     return hue * 57.29578F;
 }
 
-/// Gives the inks of a sector their letters: one ink the first one, of two the one nearer to the sector's
-/// beginning near, and the other far.
-void name(const Sector &sector, const std::vector<float> &hues, char single, char near, char far,
+/// Gives the inks of a sector their letters: that for a single ink; of two, the one nearer to the beginning
+/// of the sector and the other one have a letter each.
+void name(const Sector &sector, const std::vector<float> &hues, char single, char nearer, char farther,
           std::string &letters) {
     if (sector.channels.size() == 1) letters[sector.channels[0]] = single;
     if (sector.channels.size() != 2) return;
     const std::size_t first = sector.channels[0], second = sector.channels[1];
-    const bool isFirstNear = sector.distance(hues[first]) < sector.distance(hues[second]);
-    letters[first] = isFirstNear ? near : far;
-    letters[second] = isFirstNear ? far : near;
+    const bool isFirstNearer = sector.distance(hues[first]) < sector.distance(hues[second]);
+    letters[first] = isFirstNearer ? nearer : farther;
+    letters[second] = isFirstNearer ? farther : nearer;
 }
 
 /// The letter of each channel; empty when the inks are none that a space has.

@@ -24,6 +24,12 @@ std::int32_t rounded(float wavelength) {
     return kv::detail::truncateTo32(std::floor(static_cast<double>(wavelength) + 0.5));
 }
 
+/// A number of samples, at least 0.
+std::int32_t toCount(std::int64_t number) {
+    return static_cast<std::int32_t>(
+        std::clamp<std::int64_t>(number, 0, std::numeric_limits<std::int32_t>::max()));
+}
+
 /// The standard light of a kind and observer, to which another one is assigned.
 std::unique_ptr<KV_Illuminant> copyOf(const KV_Illuminant &light, KV_IlluminantType type,
                                       KV_ObserverType observer) {
@@ -79,29 +85,30 @@ void KV_ColorSpaceInfo::GetSpectralBounds(std::int32_t &start, std::int32_t &end
 void KV_ColorSpaceInfo::SetColorSpace(KV_ColorSpace space, std::int32_t start, std::int32_t end,
                                       std::int32_t step) {
     if (space == KV_CS_SPEC) {
-        const std::int64_t steps = step != 0 ? (std::int64_t{end} - start) / step : -1;
-        setGrid(start, end, step, steps + 1);
+        const std::int32_t count = step != 0 ? toCount((std::int64_t{end} - start) / step + 1) : 0;
         const bool hasWavelengths = start >= 1 && end > start && step >= 1;
-        m_wavelengths = gridFrom(start, step, hasWavelengths ? m_spectralCount : 0);
+        m_wavelengths = gridFrom(start, step, hasWavelengths ? count : 0);
+        setGrid(start, end, step, count);
     }
     m_colorSpace = space;
     m_dimension = static_cast<std::uint32_t>(std::max(0, ColorSpaceDimension(space, start, end, step)));
 }
 
 void KV_ColorSpaceInfo::SetSpectralBounds(std::int32_t start, std::int32_t end, std::int32_t step) {
-    setGrid(start, end, step, kv::detail::gridSamples(start, end, step));
-    m_wavelengths = gridFrom(start, step, m_spectralCount);
-    m_dimension = static_cast<std::uint32_t>(m_spectralCount);
+    const std::int32_t count = toCount(kv::detail::gridSamples(start, end, step));
+    m_wavelengths = gridFrom(start, step, count);
+    m_dimension = static_cast<std::uint32_t>(count);
+    setGrid(start, end, step, count);
 }
 
 void KV_ColorSpaceInfo::SetColorSpaceSpectrum(std::vector<float> &wavelengths) {
     if (wavelengths.empty()) return;
     m_wavelengths = wavelengths;
     const std::int32_t step = wavelengths.size() < 2 ? 1 : rounded(wavelengths[1] - wavelengths[0]);
-    setGrid(rounded(wavelengths.front()), rounded(wavelengths.back()), step,
-            static_cast<std::int64_t>(wavelengths.size()));
+    const std::int32_t count = toCount(static_cast<std::int64_t>(wavelengths.size()));
+    setGrid(rounded(wavelengths.front()), rounded(wavelengths.back()), step, count);
     m_colorSpace = KV_CS_SPEC;
-    m_dimension = static_cast<std::uint32_t>(m_spectralCount);
+    m_dimension = static_cast<std::uint32_t>(count);
 }
 
 void KV_ColorSpaceInfo::SetIlluminant(KV_Illuminant *illuminant) {
@@ -123,10 +130,9 @@ void KV_ColorSpaceInfo::SetObserverType(KV_ObserverType observer) {
     m_illuminant->SetStandardObserver(observer);
 }
 
-void KV_ColorSpaceInfo::setGrid(std::int32_t start, std::int32_t end, std::int32_t step, std::int64_t count) {
+void KV_ColorSpaceInfo::setGrid(std::int32_t start, std::int32_t end, std::int32_t step, std::int32_t count) {
     m_spectralStart = start;
     m_spectralEnd = end;
     m_spectralStep = step;
-    m_spectralCount = static_cast<std::int32_t>(
-        std::clamp<std::int64_t>(count, 0, std::numeric_limits<std::int32_t>::max()));
+    m_spectralCount = count;
 }

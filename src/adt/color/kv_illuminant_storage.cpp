@@ -154,12 +154,18 @@ void KV_Illuminant::Read(const KV_FileSpec &file) {
         throw KV_FileException("Read failed because file is NOT open", KV_FileException::OpenRdError, 0,
                                KV_HERE);
     }
-    kv::detail::FileStreambuf buffer(stream);
-    std::istream in(&buffer);
-    KV_Spectrum spectrum = kv::detail::readSpectrumText(in);
-    KV_String name = nameOf(file);
-    SetCustomSpectrum(&spectrum, KV_ObserverNone);
-    m_name = std::move(name);
+    try {
+        kv::detail::FileStreambuf buffer(stream);
+        std::istream in(&buffer);
+        KV_Spectrum spectrum = kv::detail::readSpectrumText(in);
+        KV_String name = nameOf(file);
+        SetCustomSpectrum(&spectrum, KV_ObserverNone);
+        m_name = std::move(name);
+    } catch (...) {  // the lack of memory, too
+        stream.Close();
+        throw KV_FileException("Read failed because file is NOT valid", KV_FileException::InvalidFile, 0,
+                               KV_HERE);
+    }
 }
 
 void KV_Illuminant::Write(const KV_FileSpec &file) {
