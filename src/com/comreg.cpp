@@ -79,7 +79,7 @@ struct KV_RegistryDefaults {
     KV_FileSpec preferencePath, tmpPath, currentPath;
 };
 
-void define(KV_UValDict &environment, const char *key, const KV_FileSpec &path) {
+void define(KV_UValDict &environment, const KV_DictPath &key, const KV_FileSpec &path) {
     if (environment.GetUVal(key) == nullptr)
         environment.DefineUVal(key, KV_UVAL_UTFSTRING, 1, new KV_UTFString(path.GetFileName()));
 }
@@ -196,12 +196,15 @@ KV_UValDict *KV_Registry::NewSection(const KV_DictPath &section) {
 
 KV_UTFString *KV_Registry::NewEntry(const KV_DictPath &section, const KV_DictPath &key, KV_UTFString *value) {
     KV_UValDict &raw = KV_RegistryGetSection(m_raw, section);
+    std::unique_ptr<KV_UTFString> owned(value);
     const KV_UTFString text(*value);
-    if (raw.DefineUVal(key, KV_UVAL_UTFSTRING, 1, value) == nullptr)
+    if (raw.DefineUVal(key, KV_UVAL_UTFSTRING, 1, owned.release()) == nullptr)
         fail("KV_Registry::NewEntry", KV_COMException::InvalidComponentId);
     Budget budget;
-    auto *const clean = new KV_UTFString(expanded(text, budget));
-    if (m_clean.DefineUVal(section + key, KV_UVAL_UTFSTRING, 1, clean) == nullptr)
+    owned = std::make_unique<KV_UTFString>(expanded(text, budget));
+    KV_UTFString *const clean = owned.get();
+    const KV_DictPath path = section + key;
+    if (m_clean.DefineUVal(path, KV_UVAL_UTFSTRING, 1, owned.release()) == nullptr)
         fail("KV_Registry::NewEntry", KV_COMException::InvalidComponentId);
     return clean;
 }

@@ -45,8 +45,8 @@ public:
     KV_UValDict *NewSection(const KV_DictPath &section);
     /// Stores value raw and expanded, in place of an earlier entry, and returns the expanded string, which is
     /// the registry's. value, made with new, is the registry's from now on, also when its expansion fails
-    /// (SyntaxError) or there is no place for it (InvalidComponentId); without the section (NoSuchSection) it
-    /// stays the caller's.
+    /// (SyntaxError), there is no place for it (InvalidComponentId) or memory runs out; without the section
+    /// (NoSuchSection, InvalidComponentId) it stays the caller's.
     KV_UTFString *NewEntry(const KV_DictPath &section, const KV_DictPath &key, KV_UTFString *value);
 
     /// The file at a key of "Environment". Throws as GetEntry does.

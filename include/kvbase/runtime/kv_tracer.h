@@ -31,6 +31,7 @@
 
 #include "kvbase/base/export.h"
 
+class KV_COMManager;
 class KV_Mutex;
 class KV_String;
 
@@ -73,6 +74,9 @@ public:
     static int SetStreamP(const char *name, std::ostream *stream);
     /// Connects the tracer to the trace stream, dout, and sets its mask. Nothing when no tracer can be had.
     static void SetTracing(const char *name, std::uint32_t mask);
+    /// The same with the mask that the manager's registry has at the tracer's name in "Tracing". Without one
+    /// that is a 32-bit integer the tracer stays as it was.
+    static void SetTracing(KV_COMManager &manager, const char *name);
 
     /// Starts tracing, for the rest of the process: what the trace stream gets is no longer dropped. With
     /// toFile, and unless a trace file is open, also opens one: fileName in the folder "Trevane" of the
