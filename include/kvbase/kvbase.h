@@ -55,5 +55,6 @@
 #include "kvbase/color/kv_illuminant.h"
 #include "kvbase/color/kv_ink_names.h"
 #include "kvbase/color/kv_spectrum.h"
+
 #include "kvbase/com/commngr.h"
 #include "kvbase/com/commod.h"
