@@ -117,6 +117,8 @@ KV_COMComponent *KV_COMManager::Component(const KV_DictPath &path) const {
     }
 }
 
+// Paths and keys go by value in the interface. NOLINTBEGIN(performance-unnecessary-value-param)
+
 void *KV_COMManager::CreateObject(KV_DictPath path, const char *interfaceName) {
     void *object = nullptr;
     {
@@ -194,3 +196,5 @@ void KV_COMManager::GetRegFileSpec(KV_String key, KV_FileSpec &out) const {
 std::uint32_t KV_COMManager::GetTracingMask(KV_String module) const {
     return m_registry->GetTracingMask(module);
 }
+
+// NOLINTEND(performance-unnecessary-value-param)

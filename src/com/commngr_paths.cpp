@@ -50,7 +50,8 @@ void KV_COMManager::SetCallBackCharacterizationDataPath(CharacterizationCallback
 
 KV_FileSpec *KV_COMManager::GetCharacterizationDataPath(const std::string &name) {
     constexpr std::size_t kLongestName = 511;
-    const std::string wanted = name.c_str();  // up to a zero byte; name may go with the former result
+    // Up to a zero byte; a copy, since name may go with the former result.
+    const std::string wanted(name, 0, name.find(char{0}));
     m_characterizationResult.reset();
     if (wanted.size() > kLongestName) return nullptr;
     if (m_characterizationCallback != nullptr) {
