@@ -32,7 +32,7 @@ inline constexpr std::size_t kLanes = kRegister / sizeof(float);
 using Floats [[gnu::vector_size(kRegister)]] = float;
 using Ints [[gnu::vector_size(kRegister)]] = std::int32_t;  // what comparing gives: -1 where it holds, else 0
 using Doubles [[gnu::vector_size(kRegister)]] = double;
-using Longs [[gnu::vector_size(kRegister)]] = std::int64_t;
+using Longs [[gnu::vector_size(kRegister)]] = std::uint64_t;
 
 KV_INLINE Floats broadcast(float x) { return Floats{} + x; }
 

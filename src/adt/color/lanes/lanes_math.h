@@ -71,14 +71,14 @@ KV_INLINE Doubles pow(Doubles x, double exponent) {
                                1.0178086009239700e-7,
                                7.0549116208011234e-9,
                                4.4455382718708115e-10};     // ln(2)^k / k!
-    constexpr std::int64_t kHalfRoot = 0x3FE6A09E667F3BCD;  // sqrt(1/2)
-    constexpr std::int64_t kFraction = (std::int64_t{1} << 52) - 1;
+    constexpr std::uint64_t kHalfRoot = 0x3FE6A09E667F3BCD;  // sqrt(1/2)
+    constexpr std::uint64_t kFraction = (std::uint64_t{1} << 52) - 1;
     constexpr double kMagic = 0x1.8p52;
 
     const Longs fromHalfRoot = bits(x) - kHalfRoot;
     const Doubles m = fromBits((fromHalfRoot & kFraction) + kHalfRoot);
     // The exponent as a double: biased, so that it isn't negative, in the last bits of a large number.
-    constexpr std::int64_t kBias = 1024;
+    constexpr std::uint64_t kBias = 1024;
     const Longs biased = (fromHalfRoot + (kBias << 52)) >> 52;
     const Doubles e = fromBits(biased | bits(Doubles{} + 0x1p52)) - (0x1p52 + kBias);
     const Doubles s = (m - 1) / (m + 1);
