@@ -70,7 +70,7 @@ KV_INLINE Doubles pow(Doubles x, double exponent) {
                                1.3215486790144309e-6,
                                1.0178086009239700e-7,
                                7.0549116208011234e-9,
-                               4.4455382718708115e-10};     // ln(2)^k / k!
+                               4.4455382718708115e-10};      // ln(2)^k / k!
     constexpr std::uint64_t kHalfRoot = 0x3FE6A09E667F3BCD;  // sqrt(1/2)
     constexpr std::uint64_t kFraction = (std::uint64_t{1} << 52) - 1;
     constexpr double kMagic = 0x1.8p52;
