@@ -128,7 +128,9 @@ KV_INLINE Floats max(Floats a, Floats b) { return a > b ? a : b; }
 KV_INLINE Floats square(Floats v) { return v * v; }
 
 KV_INLINE Doubles abs(Doubles v) { return fromBits(bits(v) & INT64_MAX); }
-KV_INLINE Doubles withSignOf(Doubles a, Doubles sign) { return fromBits(bits(a) ^ (bits(sign) & INT64_MIN)); }
+KV_INLINE Doubles withSignOf(Doubles a, Doubles sign) {
+    return fromBits(bits(a) ^ (bits(sign) & (std::uint64_t{1} << 63)));
+}
 
 /// The three coordinates of colours, one a lane.
 struct Colors {
