@@ -58,3 +58,6 @@
 
 #include "kvbase/com/commngr.h"
 #include "kvbase/com/commod.h"
+#include "kvbase/com/kv_cached_interfaces.h"
+#include "kvbase/com/kv_cacher.h"
+#include "kvbase/com/kv_profile_compare.h"

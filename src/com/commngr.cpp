@@ -6,6 +6,8 @@
 #include "adt/univval/dict_access.h"
 #include "com/comreg.h"
 #include "kvbase/com/commod.h"
+#include "kvbase/com/kv_cacher.h"
+#include "kvbase/com/kv_profile_compare.h"
 #include "kvbase/runtime/kv_exception.h"
 #include "kvbase/runtime/kv_tracer.h"
 
@@ -32,12 +34,16 @@ KV_COMManager::KV_COMManager(std::unique_ptr<KV_Registry> registry, std::unique_
     : m_path(std::move(path)), m_registry(std::move(registry)) {
     CollectKeys();
     startTracing();
+    m_cacher = std::make_unique<KV_Cacher>(this);
+    m_profileCompare = std::make_unique<KV_ProfileCompare>(this);
     KV_FileSpec targets;
     GetRegFileSpec("PreferencePath", targets);
     SetTargetDirPath(targets += KV_WString(KV_W("TonvaleX\\Targets\\")));
 }
 
 KV_COMManager::~KV_COMManager() {
+    m_cacher.reset();
+    m_profileCompare.reset();
     m_forgotten.clear();
     while (!m_components.empty())  // in the order of their names; what is on its way out serves no longer
         m_components.extract(m_components.begin());

@@ -175,7 +175,7 @@ public:
     // ---- cache -------------------------------------------------------------------------------------------
 
     /// The cache, which stays the manager's.
-    KV_Cacher *Cacher() const { return m_cacher; }
+    KV_Cacher *Cacher() const { return m_cacher.get(); }
     // As the operations of KV_Cacher of these names.
     KV_CachingMethod GetCachingMethod() const;
     void SetCachingMethod(const KV_CachingMethod &method);
@@ -224,6 +224,6 @@ private:
     std::unique_ptr<KV_Registry> m_registry;
     Components m_components;
     std::vector<Components::node_type> m_forgotten;  // taken out of m_components
-    KV_ProfileCompare *m_profileCompare = nullptr;
-    KV_Cacher *m_cacher = nullptr;
+    std::unique_ptr<KV_ProfileCompare> m_profileCompare;
+    std::unique_ptr<KV_Cacher> m_cacher;
 };
