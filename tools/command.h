@@ -21,6 +21,9 @@ void addChecksumCommand(CLI::App &app);
 void addUrlCommand(CLI::App &app);
 void addColorCommands(CLI::App &app);
 /// Below "color".
+void addConvertCommand(CLI::App &color);
+void addDifferenceCommand(CLI::App &color);
 void addIlluminantCommand(CLI::App &color);
+void addSpacesCommand(CLI::App &color);
 
 }  // namespace kvtool

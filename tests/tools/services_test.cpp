@@ -46,17 +46,4 @@ TEST_F(KvToolServices, RefusesWhatTheLibraryCannotHold) {
     expectOutcomes(rows);
 }
 
-TEST_F(KvToolServices, PrintsLights) {
-    // White points of CIE 15, tables T.1 and T.3.
-    const Row rows[] = {
-        {"color illuminant D65", 0, "95.04", ""},
-        {"color illuminant A --observer 10", 0, "\t111.1", ""},
-        {"color illuminant 6504 --spectrum", 0, "560", ""},
-        {"color illuminant None", 1, "", "None"},
-        {"color illuminant", 2, "", "LIGHT"},
-        {"color", 2, "", "subcommand"},
-    };
-    expectOutcomes(rows);
-}
-
 }  // namespace
