@@ -13,6 +13,11 @@ void KV_COMManager::RemoveFileCache() { m_cacher->RemoveFileCache(); }
 void KV_COMManager::RemoveMemCache() { m_cacher->RemoveMemCache(); }
 void KV_COMManager::RemoveOldLinks() { m_cacher->RemoveOldLinks(); }
 
+void KV_COMManager::SetCachingPath(const KV_FileSpec &path) {
+    m_cachingPath = std::make_unique<KV_FileSpec>(path);
+    m_cacher->SetCachingPath(*m_cachingPath);
+}
+
 bool KV_COMManager::ProfilesEqual(KV_FileSpec &first, KV_FileSpec &second) {
     return m_profileCompare->Equal(first, second);
 }
