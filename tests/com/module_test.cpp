@@ -14,7 +14,7 @@
 #include "../runtime/trace_capture.h"
 #include "temp_folder.h"
 
-extern "C" KV_MODULE_EXPORT ModuleScript *&moduleScript();  // of the module in this program
+extern "C" KV_MODULE_EXPORT ModuleScript **moduleScript();  // of the module in this program
 
 struct kv::detail::ComponentAccess {
     static void lock(KV_COMComponent &component, KV_COMManager &manager) { component.Lock(&manager); }
@@ -45,19 +45,16 @@ public:
     HeldModule(const char *name, ModuleScript &script) {
         KV_SystemString file(name, false), folder("", false);
         m_library.Load(file, folder, nullptr);
-        slot() = &script;
+        *reinterpret_cast<ModuleScriptFunction>(m_library.FindSymbol("moduleScript"))() = &script;
     }
 
 private:
-    ModuleScript *&slot() {
-        return reinterpret_cast<ModuleScriptFunction>(m_library.FindSymbol("moduleScript"))();
-    }
     KV_SharedLib m_library;
 };
 
 class Modules : public ::testing::Test {
 protected:
-    Modules() { moduleScript() = &m_script; }
+    Modules() { *moduleScript() = &m_script; }
     KV_COMManager &open(const std::string &components) {
         std::ofstream(m_folder / "r.krg") << "<< /Components << " << components << " >> >>";
         return m_manager.emplace(KV_FileSpecFromNative(m_folder.native("r.krg").c_str()));
@@ -155,7 +152,7 @@ TEST_F(Modules, MayAskTheManagerBack) {
 TEST_F(Modules, IsLinkedIntoTheProgram) {
     open("/Ink << /A (scripted_static_dll) >>");
     ModuleScript own;
-    moduleScript() = &own;
+    *moduleScript() = &own;
     EXPECT_EQ(outcome(*m_manager, "Ink:A:Thing", "ICounted"), "made");
     m_manager.reset();
     EXPECT_EQ(own.calls, (Calls{"init Ink:A:", "create Thing: ICounted", "exit"}));

@@ -31,4 +31,4 @@ protected:
 };
 
 // Exported as "moduleScript": where the module looks for its script.
-using ModuleScriptFunction = ModuleScript *&(*)();
+using ModuleScriptFunction = ModuleScript **(*)();
