@@ -19,6 +19,7 @@ void addValuesCommands(CLI::App &app);
 void addCipherCommands(CLI::App &app);
 void addChecksumCommand(CLI::App &app);
 void addUrlCommand(CLI::App &app);
+void addCacheCommands(CLI::App &app);
 void addColorCommands(CLI::App &app);
 /// Below "color".
 void addConvertCommand(CLI::App &color);

@@ -27,6 +27,7 @@ int run(int argc, char **argv) {
     kvtool::addCipherCommands(app);
     kvtool::addChecksumCommand(app);
     kvtool::addUrlCommand(app);
+    kvtool::addCacheCommands(app);
     kvtool::addColorCommands(app);
     try {
         app.parse(argc, argv);
