@@ -52,6 +52,7 @@
 #include "kvbase/color/kv_colorimetry.h"
 #include "kvbase/color/kv_ct_cielab.h"
 #include "kvbase/color/kv_ct_icc_cam.h"
+#include "kvbase/color/kv_gamut_color.h"
 #include "kvbase/color/kv_illuminant.h"
 #include "kvbase/color/kv_ink_names.h"
 #include "kvbase/color/kv_spectrum.h"
@@ -61,3 +62,7 @@
 #include "kvbase/com/kv_cached_interfaces.h"
 #include "kvbase/com/kv_cacher.h"
 #include "kvbase/com/kv_profile_compare.h"
+
+#include "kvbase/evaluation/format_utils.h"
+#include "kvbase/evaluation/kv_color_comparison.h"
+#include "kvbase/evaluation/kv_gamut_comparison.h"

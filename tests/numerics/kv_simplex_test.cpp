@@ -347,7 +347,7 @@ TEST(Samples, SectorsAndTablesKeepTheirEnds) {
     EXPECT_TRUE(InSector(350, 10, 5) && InSector(350, 10, 355) && InSector(10, 20, 10) &&
                 InSector(10, 20, 20));
     EXPECT_FALSE(InSector(350, 10, 180) || InSector(10, 20, 21) || InSector(10, 20, std::nan("")));
-    const std::map<float, std::vector<float>> table = {{10, {1, 2, 3}}, {20, {3, 2, 1}}, {40, {5, 0, 1}}};
+    const KV_LabTable table = {{10, {1, 2, 3}}, {20, {3, 2, 1}}, {40, {5, 0, 1}}};
     struct {
         float x, expected[3];
     } const cases[] = {{5, {1, 2, 3}},  {10, {1, 2, 3}},       {15, {2, 2, 2}},

@@ -23,6 +23,16 @@
 
 #include "kvbase/base/export.h"
 
+/// Orders floats. Those that lie within the tolerance count as the same key of a map.
+class KV_FloatLess {
+public:
+    float tolerance = 1e-5F;
+    bool operator()(float a, float b) const { return a < b - tolerance; }
+};
+
+/// Lists of numbers by an ascending value.
+using KV_LabTable = std::map<float, std::vector<float>, KV_FloatLess>;
+
 extern "C" {
 
 /// Makes weights of a segment feasible: negative ones become 0, and the sum 1. When none is positive both are
@@ -95,6 +105,6 @@ KV_EXPORT bool InSector(double start, double end, double angle);
 /// Three components at x from a table of such by ascending x, linear between its entries (each of at least
 /// three floats) and constant beyond its ends. An empty table leaves result untouched. The table is the
 /// callee's.
-KV_EXPORT void InterpolateLab(float x, std::map<float, std::vector<float>> table, float *result);
+KV_EXPORT void InterpolateLab(float x, KV_LabTable table, float *result);
 
 }  // extern "C"

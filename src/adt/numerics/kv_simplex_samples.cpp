@@ -153,13 +153,15 @@ bool InSector(double start, double end, double angle) {
 }
 
 // By value in the interface. NOLINTNEXTLINE(performance-unnecessary-value-param)
-void InterpolateLab(float x, std::map<float, std::vector<float>> table, float *result) {
+void InterpolateLab(float x, KV_LabTable table, float *result) {
     if (table.empty()) return;
     if (std::isnan(x)) {
         std::fill_n(result, 3, x);
         return;
     }
-    auto hi = table.lower_bound(x);  // the first entry at or above x
+    // The first entry at or above x, without the tolerance of the keys.
+    const auto hi =
+        std::find_if(table.begin(), table.end(), [x](const auto &entry) { return entry.first >= x; });
     if (hi == table.begin()) {
         std::copy_n(hi->second.begin(), 3, result);
         return;
