@@ -1,18 +1,10 @@
 #pragma once
 
 #include <CLI/CLI.hpp>
-#include <stdexcept>
-#include <string>
+
+#include "bad_input.h"
 
 namespace kvtool {
-
-/// Input that a command can't go on with; its text names the file and what is wrong with it. Exit code 1.
-class BadInput : public std::runtime_error {
-public:
-    using std::runtime_error::runtime_error;
-    /// "FILE: what"
-    BadInput(const std::string &file, const std::string &what) : std::runtime_error(file + ": " + what) {}
-};
 
 /// The commands of kvtool, one function a family; each hangs its sub-commands into app.
 void addValuesCommands(CLI::App &app);

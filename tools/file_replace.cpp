@@ -6,7 +6,7 @@
 #include <filesystem>
 #include <random>
 
-#include "command.h"
+#include "bad_input.h"
 
 namespace fs = std::filesystem;
 
