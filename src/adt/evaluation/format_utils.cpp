@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstring>
 #include <iterator>
 #include <limits>
 #include <memory>
@@ -14,17 +15,6 @@ KV_IVarray::~KV_IVarray() = default;
 
 namespace {
 
-/// A table of texts that lie in one block, which stays its owner's until it is handed out.
-struct TextTable {
-    std::unique_ptr<char *[]> entries;
-    std::unique_ptr<char[]> block;
-
-    char **release() {
-        block.release();  // entries[0] leads to it. NOLINT(bugprone-unused-return-value)
-        return entries.release();
-    }
-};
-
 /// The numbers from 1 to count with their terminators, rounded up to a multiple of 4.
 std::size_t bytesOfNumbers(std::size_t count) {
     std::size_t bytes = 0;
@@ -33,18 +23,32 @@ std::size_t bytesOfNumbers(std::size_t count) {
     return (bytes + 3) / 4 * 4;
 }
 
-/// PREFIX1, PREFIX2 and so on. count is 1 or more.
-TextTable numbered(std::string_view prefix, std::size_t count) {
-    const std::size_t size = bytesOfNumbers(count) + prefix.size() * count;
-    TextTable table{std::make_unique<char *[]>(count), std::make_unique<char[]>(size)};
-    char *at = table.block.get();
-    for (std::size_t i = 0; i < count; ++i) {
-        table.entries[i] = at;
+/// PREFIX1, PREFIX2 and so on, one behind the other. count is 1 or more.
+std::unique_ptr<char[]> numbered(std::string_view prefix, std::size_t count) {
+    auto block = std::make_unique<char[]>(bytesOfNumbers(count) + prefix.size() * count);
+    char *at = block.get();
+    for (std::size_t i = 1; i <= count; ++i) {
         at = std::copy(prefix.begin(), prefix.end(), at);
-        const std::string number = std::to_string(i + 1);
+        const std::string number = std::to_string(i);
         at = std::copy_n(number.c_str(), number.size() + 1, at);
     }
+    return block;
+}
+
+/// Where the texts of a block begin.
+std::unique_ptr<char *[]> beginnings(char *block, std::size_t count) {
+    auto table = std::make_unique<char *[]>(count);
+    for (std::size_t i = 0; i < count; ++i) {
+        table[i] = block;
+        block += std::strlen(block) + 1;
+    }
     return table;
+}
+
+/// The table leads to the block, so that both have one owner.
+char **handOut(std::unique_ptr<char *[]> table, std::unique_ptr<char[]> block) {
+    table[0] = block.release();
+    return table.release();
 }
 
 void layOut(std::uint16_t **places, int count, int columns) {
@@ -67,7 +71,14 @@ int weightOf(const std::string &ink) {
 }  // namespace
 
 void FormatUtils::CreateSampleIDs(std::int32_t count, char **&ids) {
-    ids = count < 1 ? nullptr : numbered("", static_cast<std::size_t>(count)).release();
+    if (count < 1) {
+        ids = nullptr;
+        return;
+    }
+    const auto samples = static_cast<std::size_t>(count);
+    auto numbers = numbered("", samples);
+    auto table = beginnings(numbers.get(), samples);
+    ids = handOut(std::move(table), std::move(numbers));
 }
 
 void FormatUtils::CreateSampleIDs(char **&ids, char **&names, KV_IVarray *positions, int count, int columns) {
@@ -76,10 +87,12 @@ void FormatUtils::CreateSampleIDs(char **&ids, char **&names, KV_IVarray *positi
         return;
     }
     const auto samples = static_cast<std::size_t>(count);
-    TextTable numbers = numbered("", samples), channels = numbered("CH", samples);
-    layOut(positions->PositionTable(), count, columns < 1 ? count : columns);
-    ids = numbers.release();
-    names = channels.release();
+    auto channels = numbered("CH", samples);
+    auto table = beginnings(channels.get(), samples);
+    std::uint16_t **const places = positions->PositionTable();
+    CreateSampleIDs(count, ids);
+    names = handOut(std::move(table), std::move(channels));
+    layOut(places, count, columns < 1 ? count : columns);
 }
 
 // By value in the interface. NOLINTNEXTLINE(performance-unnecessary-value-param)
