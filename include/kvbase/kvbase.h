@@ -52,9 +52,12 @@
 #include "kvbase/color/kv_colorimetry.h"
 #include "kvbase/color/kv_ct_cielab.h"
 #include "kvbase/color/kv_ct_icc_cam.h"
+#include "kvbase/color/kv_dotgain.h"
 #include "kvbase/color/kv_gamut_color.h"
+#include "kvbase/color/kv_hue_correction.h"
 #include "kvbase/color/kv_illuminant.h"
 #include "kvbase/color/kv_ink_names.h"
+#include "kvbase/color/kv_press_inks.h"
 #include "kvbase/color/kv_spectrum.h"
 
 #include "kvbase/com/commngr.h"

@@ -4,10 +4,10 @@
 #include <gtest/gtest.h>
 #include <kvbase/color/kv_ct_cielab.h>
 
-#include <fstream>
-#include <sstream>
 #include <string>
 #include <vector>
+
+#include "press_tables.h"
 
 namespace {
 
@@ -29,32 +29,6 @@ const Table kTables[] = {
     {"FOGRA39L", 1617, kIcc}, {"FOGRA40L", 1617, kIcc}, {"TR002", 928, kAstm},
     {"TR003", 1617, kAstm},   {"TR005", 1617, kAstm},   {"TR006", 1617, kIcc},
 };
-
-struct Patches {
-    std::vector<std::string> names;
-    std::vector<float> xyz, lab;
-};
-
-// The columns are SAMPLE_ID CMYK_C CMYK_M CMYK_Y CMYK_K XYZ_X XYZ_Y XYZ_Z LAB_L LAB_A LAB_B in all of them.
-Patches readPatches(const std::string &table) {
-    std::ifstream file(KVBASE_PRESS_TABLES "/" + table + ".ti3");
-    std::string line;
-    do {
-        std::getline(file, line);
-    } while (file && (line.rfind("BEGIN_DATA", 0) != 0 || line.rfind("BEGIN_DATA_FORMAT", 0) == 0));
-    Patches patches;
-    while (std::getline(file, line) && line.rfind("END_DATA", 0) != 0) {
-        std::istringstream columns(line);
-        std::string name;
-        float inks[4], xyz[3], lab[3];
-        columns >> name >> inks[0] >> inks[1] >> inks[2] >> inks[3];
-        if (!(columns >> xyz[0] >> xyz[1] >> xyz[2] >> lab[0] >> lab[1] >> lab[2])) continue;
-        patches.names.push_back(name);
-        patches.xyz.insert(patches.xyz.end(), xyz, xyz + 3);
-        patches.lab.insert(patches.lab.end(), lab, lab + 3);
-    }
-    return patches;
-}
 
 std::vector<float> toLab(const Table &table, std::vector<float> xyz, float dx, float dy, float dz) {
     float white[] = {table.white[0], table.white[1], table.white[2]};

@@ -6,8 +6,8 @@
 #include <memory>
 #include <utility>
 
+#include "adt/numerics/decomposed.h"
 #include "adt/numerics/inverse3.h"
-#include "adt/numerics/svd.h"
 #include "kvbase/runtime/kv_exception.h"
 
 using namespace kv::detail;
@@ -18,67 +18,10 @@ namespace {
 constexpr double kSmallestElement = 1e-10;
 constexpr double kSmallestDeterminant = 1e-10;
 
-std::size_t size(std::int32_t n) { return static_cast<std::size_t>(std::max(n, 0)); }
-
 // A matrix of zeros for the caller to release; an empty one is an array, too.
 std::unique_ptr<double[]> newMatrix(std::size_t rows, std::size_t columns) {
     return std::make_unique<double[]>(std::max<std::size_t>(rows * columns, 1));
 }
-
-// The power of two that brings a matrix near 1 whose elements are so large or small that products of a few of
-// them would not be numbers any more, else 0. Powers of two take no digit away.
-int extremeExponent(const double *matrix, std::size_t count) {
-    constexpr int kOrdinary = 300;
-    double largest = 0;
-    for (std::size_t i = 0; i < count; ++i)
-        if (std::fabs(matrix[i]) > largest && std::isfinite(matrix[i])) largest = std::fabs(matrix[i]);
-    const int exponent = largest > 0 ? std::ilogb(largest) : 0;
-    return exponent > kOrdinary || exponent < -kOrdinary ? exponent : 0;
-}
-
-void scale(double *numbers, std::size_t count, int exponent) {
-    if (exponent == 0) return;
-    for (std::size_t i = 0; i < count; ++i)
-        numbers[i] = std::ldexp(numbers[i], exponent);
-}
-
-// A matrix, decomposed, with the small singular values set to 0.
-class Decomposed {
-public:
-    Decomposed(const double *matrix, std::int32_t m, std::int32_t n)
-        : m_rows(m),
-          m_columns(n),
-          m_exponent(extremeExponent(matrix, size(m) * size(n))),
-          m_space(std::max(size(m), size(n)) * size(n) + size(n) * size(n) + 2 * (size(n) + 1)),
-          m_u(m_space.take(std::max(size(m), size(n)) * size(n))),
-          m_v(m_space.take(size(n) * size(n))),
-          m_w(m_space.take(size(n) + 1)),
-          m_scratch(m_space.take(size(n) + 1)) {
-        double *const end = std::copy_n(matrix, size(m) * size(n), m_u);
-        std::fill(end, m_v, 0.0);  // rows in which the decomposition writes, too
-        scale(m_u, size(m) * size(n), -m_exponent);
-        Svd_Decompose(m_u, m, n, m_w, m_v, m_scratch);
-        m_threshold = cutSingularValues(m_w, n);
-    }
-
-    void solve(const double *b, double *x) {
-        Svd_BackSubstitute(m_u, m_w, m_v, b, m_scratch, m_rows, m_columns, x);
-        scale(x, size(m_columns), -m_exponent);
-    }
-    const double *u() const { return m_u; }
-    const double *v() const { return m_v; }
-    // The singular values and their threshold, in units of 2^exponent, counted from 0.
-    const double *values() const { return m_w + 1; }
-    double threshold() const { return m_threshold; }
-    int exponent() const { return m_exponent; }
-
-private:
-    std::int32_t m_rows, m_columns;
-    int m_exponent;
-    Workspace m_space;
-    double *m_u, *m_v, *m_w, *m_scratch;
-    double m_threshold;
-};
 
 void demandEnoughRows(std::int32_t m, std::int32_t n) {
     if (m < n)
