@@ -4,7 +4,10 @@
 
 #include <algorithm>
 
+#include "adt/numerics/cross3.h"
 #include "kvbase/numerics/kv_vectors.h"
+
+using kv::detail::cross3;
 
 namespace {
 
@@ -204,17 +207,17 @@ void MapOnTrianglePlane3D(const float *p, const double *t, double *q, double *w)
     std::copy_n(p, 3, point);
     difference<3>(t + 3, origin, e1);
     difference<3>(t + 6, origin, e2);
-    Cross3v(e1, e2, normal);
+    cross3(e1, e2, normal);
     const double N = dot<3>(normal, normal);
     difference<3>(point, origin, r);
-    Cross3v(r, normal, c);
-    Cross3v(c, normal, back);
+    cross3(r, normal, c);
+    cross3(c, normal, back);
     for (int d = 0; d < 3; ++d)
         q[d] = origin[d] - back[d] / N;
     difference<3>(q, origin, f);
-    Cross3v(e1, f, cross);
+    cross3(e1, f, cross);
     w[2] = dot<3>(cross, normal) / N;
-    Cross3v(f, e2, cross);
+    cross3(f, e2, cross);
     w[1] = dot<3>(cross, normal) / N;
     w[0] = 1 - w[1] - w[2];
 }

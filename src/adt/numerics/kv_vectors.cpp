@@ -1,5 +1,7 @@
 #include "kvbase/numerics/kv_vectors.h"
 
+#include "adt/numerics/cross3.h"
+
 namespace {
 
 // a - b.
@@ -45,11 +47,7 @@ void Cross2p(const double *a, const double *b, const double *c, double *out) {
     out[0] = BiVec2(r, s);
 }
 
-void Cross3v(const double *a, const double *b, double *out) {
-    out[0] = a[1] * b[2] - a[2] * b[1];
-    out[1] = a[2] * b[0] - a[0] * b[2];
-    out[2] = a[0] * b[1] - a[1] * b[0];
-}
+void Cross3v(const double *a, const double *b, double *out) { kv::detail::cross3(a, b, out); }
 
 void BiVec3(const double *a, const double *b, const double *c, double *out) {
     double r[3], s[3];
