@@ -11,6 +11,7 @@ void addValuesCommands(CLI::App &app);
 void addCipherCommands(CLI::App &app);
 void addChecksumCommand(CLI::App &app);
 void addUrlCommand(CLI::App &app);
+void addDotgainCommand(CLI::App &app);
 void addCacheCommands(CLI::App &app);
 void addColorCommands(CLI::App &app);
 /// Below "color".

@@ -29,6 +29,7 @@ int run(int argc, char **argv) {
     kvtool::addUrlCommand(app);
     kvtool::addCacheCommands(app);
     kvtool::addColorCommands(app);
+    kvtool::addDotgainCommand(app);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError &error) {

@@ -1,5 +1,6 @@
 #include "measurement_table.h"
 
+#include <kvbase/color/kv_ct_cielab.h>
 #include <kvbase/text/kv_string.h>
 #include <lcms2.h>
 
@@ -11,6 +12,7 @@
 #include <memory>
 #include <optional>
 #include <sstream>
+#include <utility>
 
 #include "file_replace.h"
 #include "table_text.h"
@@ -80,17 +82,18 @@ public:
         expectReadable(file, bytes, m_text);
     }
 
-    MeasurementTable take(KV_ColorSpace space) const {
-        const Columns lab = columns({"LAB_L", "LAB_A", "LAB_B"});
+    MeasurementTable take(KV_ColorSpace space, PatchColor wanted) const {
+        const Columns xyz = wanted == PatchColor::Xyz ? columns({"XYZ_X", "XYZ_Y", "XYZ_Z"}) : Columns();
+        const Columns lab = xyz.empty() ? columns({"LAB_L", "LAB_A", "LAB_B"}) : Columns();
         const Columns device = columns(deviceColumns(space));
         const std::optional<std::size_t> name = nameColumn();
-        if (lab.empty()) refuseWithoutLab();
+        if (lab.empty() && xyz.empty()) refuseWithoutColors(wanted);
         MeasurementTable made;
         made.file = m_file;
         made.hasDevice = !device.empty() && device.size() <= kMostChannels;
         made.hasNames = name.has_value();
         if (made.hasDevice) refuseOtherUnits(device);
-        refuseOtherLab(lab);
+        lab.empty() ? refuseOtherXyz(xyz) : refuseOtherLab(lab);
         for (std::size_t row = 0; row < m_text.rows.size(); ++row) {
             TablePatch &patch = made.patches.emplace_back();
             patch.line = m_text.rows[row].line;
@@ -99,6 +102,10 @@ public:
                 patch.device[i] = number(row, device[i]);
             for (std::size_t i = 0; i < lab.size(); ++i)
                 patch.lab[i] = number(row, lab[i]);
+            for (std::size_t i = 0; i < xyz.size(); ++i)
+                patch.xyz[i] = number(row, xyz[i]);
+            if (wanted == PatchColor::Xyz && xyz.empty())
+                KV_CTCielab().Lab2XYZ(std::exchange(patch.lab, {}).data(), patch.xyz.data(), 1);
         }
         return made;
     }
@@ -160,13 +167,15 @@ private:
                 if (!test(number(row, column))) throw bad(row, column, otherwise);
     }
 
-    void refuseWithoutLab() const {
+    void refuseWithoutColors(PatchColor wanted) const {
         std::string names;
         for (const std::string_view name : m_text.columns)
             names += ' ' + visible(name);
         throw BadInput(m_file,
-                       "has no columns LAB_L, LAB_A, LAB_B: export the table with CIELAB values (D50, 2 "
-                       "degrees); it has the columns" +
+                       (wanted == PatchColor::Xyz ? "has neither XYZ_X, XYZ_Y, XYZ_Z nor LAB_L, LAB_A, LAB_B"
+                                                  : "has no columns LAB_L, LAB_A, LAB_B") +
+                           std::string(": export the table with CIELAB values (D50, 2 degrees); it has the "
+                                       "columns") +
                            names);
     }
     void refuseOtherUnits(const Columns &device) const {
@@ -187,6 +196,16 @@ private:
         expectAll(
             device, [](float value) { return value >= -kSlack; },
             "is below 0: device values have to be percent, from 0 to 100");
+    }
+    void refuseOtherXyz(const Columns &xyz) const {
+        const Cell lightest = largest({xyz[1]});
+        if (m_text.rows.size() > 1 && lightest.value <= 1.3F)
+            throw bad(lightest.row, lightest.column,
+                      "is the largest Y: the Y of white is 100, and the table seems to count from 0 to 1; "
+                      "multiply its XYZ by 100");
+        expectAll(
+            xyz, [](float value) { return value >= -1 && value <= 200; },
+            "is no tristimulus value, of which the Y of white is 100: export plain XYZ values");
     }
     void refuseOtherLab(const Columns &lab) const {
         const Cell lightest = largest({lab[0]});
@@ -210,15 +229,16 @@ private:
 
 }  // namespace
 
-MeasurementTable measurementTableOf(const std::string &file, const std::string &bytes, KV_ColorSpace space) {
+MeasurementTable measurementTableOf(const std::string &file, const std::string &bytes, KV_ColorSpace space,
+                                    PatchColor wanted) {
     constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
     if (bytes.compare(0, kByteOrderMark.size(), kByteOrderMark) == 0)
-        return measurementTableOf(file, bytes.substr(kByteOrderMark.size()), space);
-    return Table(file, bytes).take(space);
+        return measurementTableOf(file, bytes.substr(kByteOrderMark.size()), space, wanted);
+    return Table(file, bytes).take(space, wanted);
 }
 
-MeasurementTable readMeasurementTable(const std::string &file, KV_ColorSpace space) {
-    return measurementTableOf(file, readBytes(file), space);
+MeasurementTable readMeasurementTable(const std::string &file, KV_ColorSpace space, PatchColor wanted) {
+    return measurementTableOf(file, readBytes(file), space, wanted);
 }
 
 }  // namespace kvtool

@@ -17,7 +17,8 @@ constexpr std::size_t kMostChannels = 8;
 struct TablePatch {
     std::string name;                           ///< of the sample; empty if the table has no names
     std::array<float, kMostChannels> device{};  ///< in percent, 0 to 100; 0 behind the channels
-    std::array<float, 3> lab{};                 ///< L*, a*, b*
+    std::array<float, 3> lab{};                 ///< L*, a*, b*; 0 when XYZ was asked for
+    std::array<float, 3> xyz{};                 ///< X, Y, Z, white 100; 0 when Lab was asked for
     std::size_t line = 0;                       ///< in the file, from 1
 };
 
@@ -30,12 +31,17 @@ struct MeasurementTable {
     std::vector<TablePatch> patches;  ///< one at least
 };
 
+/// Which values of the patches are wanted. XYZ is worked out from Lab under D50 where a table has no XYZ.
+enum class PatchColor { Lab, Xyz };
+
 /// Reads the first table of a CGATS file (.ti3, .txt) with the device values of a colour space of up to 8
 /// channels, whose columns are named as DataFormatColorSpace does. Throws BadInput, with line, column and
 /// what to do about it: for a broken table, for one without Lab, and for numbers that can't be percent
 /// or Lab, such as those of 0 to 1 or 0 to 255, or with decimal commas.
-MeasurementTable readMeasurementTable(const std::string &file, KV_ColorSpace space);
+MeasurementTable readMeasurementTable(const std::string &file, KV_ColorSpace space,
+                                      PatchColor wanted = PatchColor::Lab);
 /// The same of the bytes of a file.
-MeasurementTable measurementTableOf(const std::string &file, const std::string &bytes, KV_ColorSpace space);
+MeasurementTable measurementTableOf(const std::string &file, const std::string &bytes, KV_ColorSpace space,
+                                    PatchColor wanted = PatchColor::Lab);
 
 }  // namespace kvtool
