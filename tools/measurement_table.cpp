@@ -77,8 +77,7 @@ std::vector<std::string> deviceColumns(KV_ColorSpace space) {
 
 class Table {
 public:
-    Table(const std::string &file, const std::string &bytes)
-        : m_file(file), m_text(layOutTable(file, bytes)) {
+    Table(const std::string &file, std::string_view bytes) : m_file(file), m_text(layOutTable(file, bytes)) {
         expectReadable(file, bytes, m_text);
     }
 
@@ -232,9 +231,9 @@ private:
 MeasurementTable measurementTableOf(const std::string &file, const std::string &bytes, KV_ColorSpace space,
                                     PatchColor wanted) {
     constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
-    if (bytes.compare(0, kByteOrderMark.size(), kByteOrderMark) == 0)
-        return measurementTableOf(file, bytes.substr(kByteOrderMark.size()), space, wanted);
-    return Table(file, bytes).take(space, wanted);
+    std::string_view text = bytes;
+    if (text.substr(0, kByteOrderMark.size()) == kByteOrderMark) text.remove_prefix(kByteOrderMark.size());
+    return Table(file, text).take(space, wanted);
 }
 
 MeasurementTable readMeasurementTable(const std::string &file, KV_ColorSpace space, PatchColor wanted) {
