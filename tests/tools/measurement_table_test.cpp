@@ -135,6 +135,10 @@ TEST(MeasurementTable, RefusesEveryCut) {
         EXPECT_NE(refusal(whole.substr(0, length)), "") << length;
     EXPECT_EQ(refusal(whole), "");
     EXPECT_EQ(refusal(whole.substr(0, whole.size() - 1)), "");
+    std::string marks;  // only the first one is a byte order mark
+    for (int i = 0; i < 300000; ++i)
+        marks += "\xEF\xBB\xBF";
+    EXPECT_NE(refusal(marks), "");
 }
 
 }  // namespace
