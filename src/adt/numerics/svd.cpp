@@ -73,7 +73,9 @@ void transpose(const double *from, std::size_t rows, std::size_t columns, double
             to[c * rows + r] = from[r * columns + c];
 }
 
+// Of a matrix of Rows by Columns, or of any when these are 0: small ones gain from loops of a known length.
 // Indices count from 0 here, but for w and rv1.
+template <std::size_t Rows, std::size_t Columns>
 class Decomposition {
 public:
     Decomposition(double *a, std::size_t m, std::size_t n, double *w, double *v, double *rv1)
@@ -89,49 +91,51 @@ public:
           m_sums(m_space.take(n)) {}
 
     void run() {
-        std::fill_n(m_rv1, m_n + 1, 0.0);
+        std::fill_n(m_rv1, n() + 1, 0.0);
         bidiagonalise();
         accumulateRight();
         accumulateLeft();
-        transpose(m_a, m_m, m_n, m_ut);
-        transpose(m_v, m_n, m_n, m_vt);
-        for (std::size_t k = m_n; k >= 1; --k)
+        transpose(m_a, m(), n(), m_ut);
+        transpose(m_v, n(), n(), m_vt);
+        for (std::size_t k = n(); k >= 1; --k)
             findValue(k);
-        transpose(m_ut, m_n, m_m, m_a);
-        transpose(m_vt, m_n, m_n, m_v);
+        transpose(m_ut, n(), m(), m_a);
+        transpose(m_vt, n(), n(), m_v);
     }
 
 private:
-    double *row(std::size_t r) { return m_a + r * m_n; }
-    double &A(std::size_t r, std::size_t c) { return m_a[r * m_n + c]; }
-    double &V(std::size_t r, std::size_t c) { return m_v[r * m_n + c]; }
+    std::size_t m() const { return Rows != 0 ? Rows : m_m; }
+    std::size_t n() const { return Columns != 0 ? Columns : m_n; }
+    double *row(std::size_t r) { return m_a + r * n(); }
+    double &A(std::size_t r, std::size_t c) { return m_a[r * n() + c]; }
+    double &V(std::size_t r, std::size_t c) { return m_v[r * n() + c]; }
 
     // For all columns j from `first` on: m_sums[j] = sum over the rows k from `top` to `end` of x(k) * M(k,
     // j).
     template <class X>
     void sumDown(const double *matrix, std::size_t top, std::size_t end, std::size_t first, const X &x) {
-        const std::size_t count = m_n - first;
+        const std::size_t count = n() - first;
         std::fill_n(m_sums + first, count, 0.0);
         for (std::size_t k = top; k < end; ++k)
-            addScaled(m_sums + first, matrix + k * m_n + first, x(k), count);
+            addScaled(m_sums + first, matrix + k * n() + first, x(k), count);
     }
     // For all columns j from `first` on and the rows k from `top` to `end`: M(k, j) += m_sums[j] * x(k).
     template <class X>
     void addDown(double *matrix, std::size_t top, std::size_t end, std::size_t first, const X &x) {
         for (std::size_t k = top; k < end; ++k)
-            addScaled(matrix + k * m_n + first, m_sums + first, x(k), m_n - first);
+            addScaled(matrix + k * n() + first, m_sums + first, x(k), n() - first);
     }
 
     void bidiagonalise() {
         double g = 0, scale = 0;
         m_anorm = 0;
-        for (std::size_t i = 0; i < m_n; ++i) {
+        for (std::size_t i = 0; i < n(); ++i) {
             m_rv1[i + 1] = scale * g;
             g = scale = 0;
-            if (i < m_m) reflectColumn(i, g, scale);
+            if (i < m()) reflectColumn(i, g, scale);
             m_w[i + 1] = scale * g;
             g = scale = 0;
-            if (i < m_m && i + 1 < m_n) reflectRow(i, g, scale);
+            if (i < m() && i + 1 < n()) reflectRow(i, g, scale);
             const double size = std::fabs(m_w[i + 1]) + std::fabs(m_rv1[i + 1]);
             if (size > m_anorm) m_anorm = size;
         }
@@ -139,11 +143,11 @@ private:
 
     // The Householder reflection that leaves of column i nothing below the diagonal.
     void reflectColumn(std::size_t i, double &g, double &scale) {
-        for (std::size_t k = i; k < m_m; ++k)
+        for (std::size_t k = i; k < m(); ++k)
             scale += std::fabs(A(k, i));
         if (scale == 0) return;
         double s = 0;
-        for (std::size_t k = i; k < m_m; ++k) {
+        for (std::size_t k = i; k < m(); ++k) {
             A(k, i) /= scale;
             s += A(k, i) * A(k, i);
         }
@@ -152,11 +156,11 @@ private:
         const double h = f * g - s;
         A(i, i) = f - g;
         const auto column = [&](std::size_t k) { return A(k, i); };
-        sumDown(m_a, i, m_m, i + 1, column);
-        for (std::size_t j = i + 1; j < m_n; ++j)
+        sumDown(m_a, i, m(), i + 1, column);
+        for (std::size_t j = i + 1; j < n(); ++j)
             m_sums[j] /= h;
-        addDown(m_a, i, m_m, i + 1, column);
-        for (std::size_t k = i; k < m_m; ++k)
+        addDown(m_a, i, m(), i + 1, column);
+        for (std::size_t k = i; k < m(); ++k)
             A(k, i) *= scale;
     }
 
@@ -164,11 +168,11 @@ private:
     void reflectRow(std::size_t i, double &g, double &scale) {
         const std::size_t l = i + 1;
         double *const own = row(i);
-        for (std::size_t k = l; k < m_n; ++k)
+        for (std::size_t k = l; k < n(); ++k)
             scale += std::fabs(own[k]);
         if (scale == 0) return;
         double s = 0;
-        for (std::size_t k = l; k < m_n; ++k) {
+        for (std::size_t k = l; k < n(); ++k) {
             own[k] /= scale;
             s += own[k] * own[k];
         }
@@ -176,30 +180,30 @@ private:
         g = -withSign(std::sqrt(s), f);
         const double h = f * g - s;
         own[l] = f - g;
-        for (std::size_t k = l; k < m_n; ++k)
+        for (std::size_t k = l; k < n(); ++k)
             m_rv1[k + 1] = own[k] / h;
-        for (std::size_t j = l; j < m_m; ++j) {
+        for (std::size_t j = l; j < m(); ++j) {
             double sum = 0;
-            for (std::size_t k = l; k < m_n; ++k)
+            for (std::size_t k = l; k < n(); ++k)
                 sum += A(j, k) * own[k];
-            addScaled(row(j) + l, m_rv1 + l + 1, sum, m_n - l);
+            addScaled(row(j) + l, m_rv1 + l + 1, sum, n() - l);
         }
-        for (std::size_t k = l; k < m_n; ++k)
+        for (std::size_t k = l; k < n(); ++k)
             own[k] *= scale;
     }
 
     void accumulateRight() {
         double g = 0;
-        for (std::size_t i = m_n; i-- > 0;) {
+        for (std::size_t i = n(); i-- > 0;) {
             const std::size_t l = i + 1;
-            if (l < m_n) {
+            if (l < n()) {
                 if (g != 0) {
-                    for (std::size_t j = l; j < m_n; ++j)
+                    for (std::size_t j = l; j < n(); ++j)
                         V(j, i) = (A(i, j) / A(i, l)) / g;
-                    sumDown(m_v, l, m_n, l, [&](std::size_t k) { return A(i, k); });
-                    addDown(m_v, l, m_n, l, [&](std::size_t k) { return V(k, i); });
+                    sumDown(m_v, l, n(), l, [&](std::size_t k) { return A(i, k); });
+                    addDown(m_v, l, n(), l, [&](std::size_t k) { return V(k, i); });
                 }
-                for (std::size_t j = l; j < m_n; ++j)
+                for (std::size_t j = l; j < n(); ++j)
                     V(i, j) = V(j, i) = 0;
             }
             V(i, i) = 1;
@@ -208,21 +212,21 @@ private:
     }
 
     void accumulateLeft() {
-        for (std::size_t i = m_n; i-- > 0;) {
+        for (std::size_t i = n(); i-- > 0;) {
             const std::size_t l = i + 1;
             double g = m_w[i + 1];
-            std::fill(row(i) + l, row(i) + m_n, 0.0);
+            std::fill(row(i) + l, row(i) + n(), 0.0);
             if (g != 0) {
                 g = 1 / g;
                 const auto column = [&](std::size_t k) { return A(k, i); };
-                sumDown(m_a, l, m_m, l, column);
-                for (std::size_t j = l; j < m_n; ++j)
+                sumDown(m_a, l, m(), l, column);
+                for (std::size_t j = l; j < n(); ++j)
                     m_sums[j] = (m_sums[j] / A(i, i)) * g;
-                addDown(m_a, i, m_m, l, column);
-                for (std::size_t j = i; j < m_m; ++j)
+                addDown(m_a, i, m(), l, column);
+                for (std::size_t j = i; j < m(); ++j)
                     A(j, i) *= g;
             } else {
-                for (std::size_t j = i; j < m_m; ++j)
+                for (std::size_t j = i; j < m(); ++j)
                     A(j, i) = 0;
             }
             A(i, i) += 1;
@@ -232,10 +236,10 @@ private:
     bool isNegligible(double x) const { return std::fabs(x) + m_anorm == m_anorm; }
 
     void rotateLeft(std::size_t j, std::size_t i, double c, double s) {
-        rotate(m_ut + (j - 1) * m_m, m_ut + (i - 1) * m_m, m_m, c, s);
+        rotate(m_ut + (j - 1) * m(), m_ut + (i - 1) * m(), m(), c, s);
     }
     void rotateRight(std::size_t j, std::size_t i, double c, double s) {
-        rotate(m_vt + (j - 1) * m_n, m_vt + (i - 1) * m_n, m_n, c, s);
+        rotate(m_vt + (j - 1) * n(), m_vt + (i - 1) * n(), n(), c, s);
     }
 
     // From here on indices count from 1, as those of w and rv1.
@@ -245,7 +249,7 @@ private:
             if (l == k) {
                 if (m_w[k] < 0) {
                     m_w[k] = -m_w[k];
-                    for (double *p = m_vt + (k - 1) * m_n; p != m_vt + k * m_n; ++p)
+                    for (double *p = m_vt + (k - 1) * n(); p != m_vt + k * n(); ++p)
                         *p = -*p;
                 }
                 return;
@@ -351,7 +355,13 @@ double Safe_Hypot(double a, double b) {
 
 void Svd_Decompose(double *a, std::int32_t m, std::int32_t n, double *w, double *v, double *rv1) {
     if (n < 1) return;
-    Decomposition(a, static_cast<std::size_t>(std::max(m, 0)), static_cast<std::size_t>(n), w, v, rv1).run();
+    const auto rows = static_cast<std::size_t>(std::max(m, 0)), columns = static_cast<std::size_t>(n);
+    if (rows == 3 && columns == 3)
+        Decomposition<3, 3>(a, rows, columns, w, v, rv1).run();
+    else if (rows == 4 && columns == 4)
+        Decomposition<4, 4>(a, rows, columns, w, v, rv1).run();
+    else
+        Decomposition<0, 0>(a, rows, columns, w, v, rv1).run();
 }
 
 double cutSingularValues(double *w, std::int32_t n) {
