@@ -69,3 +69,7 @@
 #include "kvbase/evaluation/format_utils.h"
 #include "kvbase/evaluation/kv_color_comparison.h"
 #include "kvbase/evaluation/kv_gamut_comparison.h"
+#include "kvbase/xml/expat_xml_parser.h"
+#include "kvbase/xml/kal_sax.h"
+#include "kvbase/xml/write_xml.h"
+#include "kvbase/xml/xml_schema_handler.h"
