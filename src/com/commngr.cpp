@@ -183,6 +183,12 @@ std::uint32_t KV_COMManager::TotalUseCount() {
 
 // ---- registry --------------------------------------------------------------------------------------------
 
+void KV_COMManager::ReadRegistry(const KV_FileSpec &file, KV_UValDict &raw, KV_UValDict &expanded) {
+    KV_Registry registry(file, KV_Registry::UserFolder::told);
+    raw.GetValuePtr()->swap(*registry.Raw().GetValuePtr());
+    expanded.GetValuePtr()->swap(*registry.GetSection("")->GetValuePtr());
+}
+
 KV_UTFString *KV_COMManager::RegistryGetEntry(KV_DictPath section, KV_DictPath key) const {
     return m_registry->GetEntry(section, key);
 }

@@ -67,8 +67,10 @@ KV_FileSpec chosenFile() {
 
 // What "Environment" says by itself.
 struct KV_RegistryDefaults {
-    KV_RegistryDefaults() {
-        const KV_WString temporary = platform::temporaryFolder(), folder = kv::detail::userFolder();
+    explicit KV_RegistryDefaults(KV_Registry::UserFolder use) {
+        const KV_WString temporary = platform::temporaryFolder();
+        const KV_WString folder =
+            use == KV_Registry::UserFolder::made ? kv::detail::userFolder() : kv::detail::userFolderName();
         const bool isRecent = platform::osVersionAtLeast({5, 0, 0, 0});
         tmpPath = !temporary.empty() ? temporary
                   : isRecent         ? KV_WString(KV_W("c:\\winnt\\temp\\"))
@@ -86,12 +88,12 @@ void define(KV_UValDict &environment, const KV_DictPath &key, const KV_FileSpec 
 
 }  // namespace
 
-KV_Registry::KV_Registry() : m_file(chosenFile()) { read(); }
+KV_Registry::KV_Registry() : m_file(chosenFile()) { read(UserFolder::made); }
 
-KV_Registry::KV_Registry(const KV_FileSpec &file) : m_file(file) { read(); }
+KV_Registry::KV_Registry(const KV_FileSpec &file, UserFolder folder) : m_file(file) { read(folder); }
 
-void KV_Registry::read() {
-    const KV_RegistryDefaults defaults;
+void KV_Registry::read(UserFolder folder) {
+    const KV_RegistryDefaults defaults(folder);
     m_raw.ReadTextFile(m_file, "");
     for (const char *section : {kComponents, kTracing, kEnvironment})
         NewSection(section);

@@ -28,8 +28,10 @@ public:
     /// Reads "NAME.krg" beside the running program "NAME.exe" if there is such a file, else "kalvor.krg" in
     /// the current folder.
     KV_Registry();
+    /// What becomes of the folder that is the default of "PreferencePath".
+    enum class UserFolder { made, told };
     /// Reads a file.
-    explicit KV_Registry(const KV_FileSpec &file);
+    explicit KV_Registry(const KV_FileSpec &file, UserFolder folder = UserFolder::made);
     KV_Registry(const KV_Registry &) = delete;
     KV_Registry &operator=(const KV_Registry &) = delete;
     ~KV_Registry() = default;
@@ -64,6 +66,8 @@ public:
 
     /// The file that was read.
     const KV_FileSpec &File() const { return m_file; }
+    /// The whole of the raw form.
+    KV_UValDict &Raw() { return m_raw; }
 
 private:
     /// What the expansion of values may still cost.
@@ -71,7 +75,7 @@ private:
         std::size_t expansions = 100000, bytes = std::size_t{1} << 24;
     };
 
-    void read();
+    void read(UserFolder folder);
     void clean();
     KV_UTFString expanded(const KV_UTFString &value, Budget &budget);
     KV_String textAt(const KV_String &path);

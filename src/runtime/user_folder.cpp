@@ -21,11 +21,15 @@ void makeFolder(const KV_WString &path) {
 
 }  // namespace
 
-KV_WString kv::detail::userFolder() {
+KV_WString kv::detail::userFolderName() {
     const KV_WString data = platform::userDataFolder();
-    if (data.empty()) return {};
-    platform::setNormalAttributes(data);
-    KV_WString folder = data + KV_W("\\Trevane");
+    return data.empty() ? data : data + KV_W("\\Trevane");
+}
+
+KV_WString kv::detail::userFolder() {
+    KV_WString folder = userFolderName();
+    if (folder.empty()) return folder;
+    platform::setNormalAttributes(platform::userDataFolder());
     makeFolder(folder);
     return folder;
 }

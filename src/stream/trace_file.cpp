@@ -4,7 +4,6 @@
 #include <cstdio>
 #include <ctime>
 #include <memory>
-#include <string>
 #include <utility>
 
 #include "kvbase/runtime/kv_file_spec.h"
@@ -27,16 +26,18 @@ void writeToFile(void *user, const char *text, int count) noexcept {
     file->Flush();
 }
 
-// The present time as ctime gives it, with its line end. ctime itself has one buffer for all threads.
-std::string presentTime() {
+// Writes a line and that of the present time as ctime gives it (ctime itself has one buffer for all threads).
+// Allocates nothing, so that a trace ends also when there is no memory.
+void writeBanner(KV_FStream &file, const char *line) {
     constexpr const char *kDays[] = {"Sun", "Mon", "Tue", "Wed", "Thu", "Fri", "Sat"};
     constexpr const char *kMonths[] = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
                                        "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
     const std::tm now = kv::platform::localTime(std::time(nullptr));
-    char text[80];
-    std::snprintf(text, sizeof text, "%s %s %2d %02d:%02d:%02d %d\n", kDays[now.tm_wday], kMonths[now.tm_mon],
-                  now.tm_mday, now.tm_hour, now.tm_min, now.tm_sec, 1900 + now.tm_year);
-    return text;
+    char text[120];
+    std::snprintf(text, sizeof text, "%s\n%s %s %2d %02d:%02d:%02d %d\n\n", line, kDays[now.tm_wday],
+                  kMonths[now.tm_mon], now.tm_mday, now.tm_hour, now.tm_min, now.tm_sec, 1900 + now.tm_year);
+    file.Puts(text);
+    file.Flush();
 }
 
 // The name follows a separator whatever it begins with.
@@ -56,8 +57,7 @@ bool KV_Tracer::StartTracing(bool toFile, KV_String fileName) {
     if (!toFile || traceFile != nullptr) return false;
     auto file = std::make_unique<KV_FStream>(placeOf(fileName));
     if (!file->Open("w", true)) return false;
-    file->Puts(("Kalvor Log File\n\n" + presentTime() + "\n").c_str());
-    file->Flush();
+    writeBanner(*file, "Kalvor Log File\n");
     traceFile = file.release();
     kv::detail::setTraceFile(writeToFile, traceFile);
     return true;
@@ -68,7 +68,6 @@ void KV_Tracer::StopTracing() {
     if (traceFile == nullptr) return;
     kv::detail::setTraceFile(nullptr, nullptr);
     const std::unique_ptr<KV_FStream> file(std::exchange(traceFile, nullptr));
-    file->Puts(("Logging finished\n" + presentTime() + "\n").c_str());
-    file->Flush();
+    writeBanner(*file, "Logging finished");
     file->Close();
 }

@@ -10,25 +10,14 @@
 
 #include "kvbase/runtime/kv_exception.h"
 #include "platform/platform.h"
+#include "registry_test.h"
 #include "system.h"
-#include "temp_folder.h"
 #include "utf8_path.h"
 
 namespace {
 
-// Registries in a folder of their own; on POSIX that of the user's data is there, too.
-class Registry : public ::testing::Test {
+class Registry : public RegistryTest {
 protected:
-    Registry() {
-#if !defined(_WIN32)  // Windows asks its own registry
-        setenv("APPDATA", m_folder.native().c_str(), 1);
-#endif
-    }
-    KV_FileSpec write(const std::string &text) {
-        const auto path = m_folder / "r.krg";
-        std::ofstream(path, std::ios::binary) << text;
-        return KV_FileSpecFromNative(utf8FromPath(path).c_str());
-    }
     KV_Registry &open(const std::string &text) {
         m_registry = std::make_unique<KV_Registry>(write(text));
         return *m_registry;
@@ -38,7 +27,6 @@ protected:
         return {entry->Ptr(), entry->Size()};
     }
 
-    TempFolder m_folder;
     std::unique_ptr<KV_Registry> m_registry;
 };
 

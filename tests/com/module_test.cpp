@@ -193,6 +193,22 @@ TEST_F(Modules, ObjectsThatLiveAtTheEndAreReported) {
     }
 }
 
+// While modules end, in the order of their names, the cache has gone and the registry is still there.
+TEST_F(Modules, EndBeforeTheRegistryAndBehindTheCache) {
+    KV_COMManager &manager = open("/Ink << /A (scripted_module) >> /Other (other_module)");
+    for (const char *path : {"Ink:A:Thing", "Other:Thing"})
+        make(path)->Release();
+    m_otherScript.atExit = [&] {
+        EXPECT_NE(m_script.calls.back(), "exit");
+        EXPECT_EQ(manager.Cacher(), nullptr);
+        EXPECT_EQ(manager.ComponentCount("Components"), 2U);
+        throw ModuleFailure{1};  // nobody is left to tell
+    };
+    m_manager.reset();
+    EXPECT_EQ(m_script.calls.back(), "exit");
+    EXPECT_EQ(m_otherScript.calls.back(), "exit");
+}
+
 TEST_F(Modules, IdsNarrowToWhatPathsHaveInCommon) {
     const struct {
         const char *id, *path, *narrowed, *subId;

@@ -56,7 +56,10 @@ KV_MODULE_EXPORT void *KV_CreateObject(void *context, KV_DictPath subId, const c
 }
 
 #if !defined(SCRIPTED_WITHOUT_EXIT)
-KV_MODULE_EXPORT void KV_Exit(void *) { script->calls.push_back("exit"); }
+KV_MODULE_EXPORT void KV_Exit(void *) {
+    script->calls.push_back("exit");
+    if (script->atExit) script->atExit();
+}
 #endif
 }
 // NOLINTEND(performance-unnecessary-value-param)

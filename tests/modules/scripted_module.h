@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -10,6 +11,7 @@ struct ModuleScript {
     std::vector<std::string> calls;  // "init ID", "create SUBID INTERFACE", "exit", in their order
     int failingInits = 0;            // how many times KV_Init throws
     std::string askAtInit;           // the path of an object that KV_Init asks the manager for
+    std::function<void()> atExit;    // what KV_Exit does
 };
 
 // What KV_Init and KV_CreateObject throw.

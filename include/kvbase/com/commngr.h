@@ -107,6 +107,12 @@ public:
     // ---- registry ----------------------------------------------------------------------------------------
     // Text is UTF-8, with its references expanded.
 
+    /// Reads a registry as the constructor does, for those who only look: no folder is made, no trace begun,
+    /// no module known. raw becomes what the file holds, with the sections and the entries of "Environment"
+    /// that it lacks; expanded the same with its references expanded, all strings as KV_UTFString. Throws as
+    /// the constructor does, but takes a "PreferencePath" of any type; both are then as they were.
+    static void ReadRegistry(const KV_FileSpec &file, KV_UValDict &raw, KV_UValDict &expanded);
+
     /// The string at section and key, new; the caller deletes it. Throws KV_COMException: NoSuchValue, or
     /// InvalidComponentId when it is no string.
     KV_UTFString *RegistryGetEntry(KV_DictPath section, KV_DictPath key) const;

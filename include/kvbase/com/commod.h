@@ -20,8 +20,8 @@ struct ComponentAccess;
 // caller of CreateObject as it is, to be caught by its type, except from KV_Exit, which ends there. An
 // exception has to be gone before the manager is.
 extern "C" {
-/// Called once, before the module is asked for its first object; again only after it raised. manager outlives
-/// the module's last call; id is the part of the tree of paths that the module serves. Returns a context of
+/// Called once, before the module is asked for its first object; again only after it raised, or when
+/// KV_CreateObject was missing. manager outlives the module's last call; id is the part of the tree of paths that the module serves. Returns a context of
 /// the module's choice, which may be null. The module may ask for objects of other modules here, not for its
 /// own.
 KV_MODULE_EXPORT void *KV_Init(KV_COMManager *manager, KV_DictPath id);
