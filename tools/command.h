@@ -13,6 +13,8 @@ void addChecksumCommand(CLI::App &app);
 void addUrlCommand(CLI::App &app);
 void addDotgainCommand(CLI::App &app);
 void addCacheCommands(CLI::App &app);
+void addRegistryCommands(CLI::App &app);
+void addModulesCommand(CLI::App &app);
 void addColorCommands(CLI::App &app);
 /// Below "color".
 void addConvertCommand(CLI::App &color);

@@ -28,6 +28,8 @@ int run(int argc, char **argv) {
     kvtool::addChecksumCommand(app);
     kvtool::addUrlCommand(app);
     kvtool::addCacheCommands(app);
+    kvtool::addRegistryCommands(app);
+    kvtool::addModulesCommand(app);
     kvtool::addColorCommands(app);
     kvtool::addDotgainCommand(app);
     try {

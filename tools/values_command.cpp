@@ -10,6 +10,7 @@
 #include "utf8_text.h"
 #include "value_compare.h"
 #include "value_file.h"
+#include "value_print.h"
 #include "value_types.h"
 
 namespace kvtool {
@@ -31,23 +32,8 @@ KV_DictPath pathOf(const Arguments &args) { return KV_DictPath(args.path.c_str()
 
 std::string quoted(const std::string &path) { return "'" + path + "'"; }
 
-// The value at the path itself: a look-up through a number or text would answer with that.
-KV_UVal *find(KV_UValDict &dict, const KV_DictPath &path) {
-    KV_UValDict *level = &dict;
-    const char *key = nullptr;
-    for (int i = 0; i < path.Size(); ++i) {
-        key = path.NextKey(key);
-        const auto at = level->GetValuePtr()->find(std::string_view(key));
-        if (at == level->GetValuePtr()->end() || at->second == nullptr) return nullptr;
-        if (i + 1 == path.Size()) return at->second;
-        if (at->second->GetType() != KV_UVAL_DICT) return nullptr;
-        level = static_cast<KV_UValDict *>(at->second);
-    }
-    return nullptr;
-}
-
 KV_UVal &findOrFail(ValueFile &from, const Arguments &args) {
-    KV_UVal *value = find(from.dict(), pathOf(args));
+    KV_UVal *value = findValue(from.dict(), pathOf(args));
     if (value == nullptr) throw BadInput(from.file(), "has no entry " + quoted(args.path));
     return *value;
 }
@@ -56,18 +42,9 @@ void save(ValueFile &values, const Arguments &args) {
     values.write(args.output.empty() ? values.file() : args.output, args.force);
 }
 
-void print(KV_UValDict &dict, const std::string &file) {
-    if (sizeOf(dict).depth > kDeepestTree)
-        throw BadInput(
-            file, "is nested deeper than the " + std::to_string(kDeepestTree) + " levels that are printed");
-    std::ostringstream text;
-    dict.PrintOn(text);
-    std::cout << visible(text.str());
-}
-
 void show(const Arguments &args) {
     ValueFile values(args.file);
-    print(values.dict(), args.file);
+    printTree(values.dict(), args.file);
 }
 
 std::int32_t checkedIndex(KV_UVal &value, const Arguments &args) {
@@ -87,7 +64,7 @@ void get(const Arguments &args) {
         if (args.index)
             throw BadInput(args.file, quoted(args.path) + " is a dictionary and has no element " +
                                           std::to_string(*args.index));
-        print(static_cast<KV_UValDict &>(value), args.file);
+        printTree(static_cast<KV_UValDict &>(value), args.file);
         return;
     }
     const KV_UValType type = args.type.empty() ? value.GetType() : typeOfName(args.type);
@@ -131,7 +108,7 @@ void setFrom(KV_UVal &value, const std::string &text, std::int32_t index, const 
 
 void set(const Arguments &args) {
     ValueFile values(args.file);
-    KV_UVal *old = find(values.dict(), pathOf(args));
+    KV_UVal *old = findValue(values.dict(), pathOf(args));
     if (args.index) {
         if (old == nullptr) throw BadInput(args.file, "has no entry " + quoted(args.path));
         if (!args.type.empty())
