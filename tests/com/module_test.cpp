@@ -9,9 +9,11 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <thread>
 
 #include "../modules/scripted_module.h"
 #include "../runtime/trace_capture.h"
+#include "countdown.h"
 #include "temp_folder.h"
 
 extern "C" KV_MODULE_EXPORT ModuleScript **moduleScript();  // of the module in this program
@@ -191,6 +193,25 @@ TEST_F(Modules, ObjectsThatLiveAtTheEndAreReported) {
         EXPECT_EQ(lines.empty(), row.uses == 0) << lines;
         EXPECT_EQ(m_script.calls.back(), row.hasExit ? "exit" : "init Ink:") << row.uses;
     }
+}
+
+TEST_F(Modules, LoadOnceForManyThreads) {
+    open("/Ink << /A (scripted_module) /B (scripted_module) >>");
+    constexpr int kThreads = 8, kRounds = 50;
+    Countdown start(kThreads);
+    std::vector<std::thread> threads;
+    for (int i = 0; i < kThreads; ++i)
+        threads.emplace_back([&] {
+            start.countDown();
+            start.wait();
+            for (int round = 0; round < kRounds; ++round)
+                make(round % 2 == 0 ? "Ink:A:Thing" : "Ink:B:Thing")->Release();
+        });
+    for (std::thread &thread : threads)
+        thread.join();
+    EXPECT_EQ(m_script.calls.size(), 1U + kThreads * kRounds);
+    EXPECT_EQ(std::count(m_script.calls.begin(), m_script.calls.end(), "init Ink:"), 1);
+    EXPECT_EQ(m_manager->TotalUseCount(), 0U);
 }
 
 // While modules end, in the order of their names, the cache has gone and the registry is still there.
