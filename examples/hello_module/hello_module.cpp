@@ -43,6 +43,7 @@ KV_MODULE_EXPORT void *KV_Init(KV_COMManager *manager, KV_DictPath id) {
     return new Module{manager, std::move(id), greeting->Ptr()};
 }
 
+// Paths go by value in the interface. NOLINTNEXTLINE(performance-unnecessary-value-param)
 KV_MODULE_EXPORT void *KV_CreateObject(void *context, KV_DictPath subId, const char *interfaceName) {
     if (!(subId == KV_DictPath("Greeter")) || std::strcmp(interfaceName, "IGreeter") != 0) return nullptr;
     IGreeter *const greeter = new Greeter(*static_cast<Module *>(context));

@@ -200,6 +200,7 @@ TEST_F(Modules, LoadOnceForManyThreads) {
     constexpr int kThreads = 8, kRounds = 50;
     Countdown start(kThreads);
     std::vector<std::thread> threads;
+    threads.reserve(kThreads);
     for (int i = 0; i < kThreads; ++i)
         threads.emplace_back([&] {
             start.countDown();
