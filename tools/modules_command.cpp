@@ -60,6 +60,7 @@ std::vector<std::string> stateOf(const std::string &module, const Arguments &arg
     if (isGood) return {"in the program", "", "", ""};
     KV_SharedLib library;
     try {
+        // This program's own encoding is UTF-8 on every system.
         KV_SystemString name{KV_String(module.c_str())};
         KV_SystemString folder{KV_FileSpecFromNative(args.folder.c_str()).GetFileName()};
         const KV_FileSpec neighbour = KV_FileSpecFromNative(args.file.c_str());

@@ -4,11 +4,9 @@
 
 #include <ctime>
 #include <fstream>
-#include <functional>
 #include <memory>
 #include <string>
 
-#include "kvbase/runtime/kv_exception.h"
 #include "platform/platform.h"
 #include "registry_test.h"
 #include "system.h"
@@ -29,18 +27,6 @@ protected:
 
     std::unique_ptr<KV_Registry> m_registry;
 };
-
-// The detail is the message of the exception's error line alone, so the code has to do.
-int codeOf(const std::function<void()> &call) {
-    try {
-        call();
-    } catch (const KV_COMException &e) {
-        return e.GetComponentError();
-    } catch (const KV_FileException &e) {
-        return 1000 + e.GetFileErrorId();
-    }
-    return -1;
-}
 
 TEST_F(Registry, ExpandsReferencesWherever) {
     open(

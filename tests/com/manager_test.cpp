@@ -6,7 +6,7 @@
 #include <kvbase/runtime/kv_tracer.h>
 
 #include <cstring>
-#include <memory>
+#include <fstream>
 #include <new>
 #include <optional>
 #include <sstream>
@@ -39,16 +39,6 @@ protected:
         KV_Tracer::SetStreamP("KvBaseTrace", nullptr);
     }
     KV_COMManager &open(const std::string &text) { return m_manager.emplace(write(text)); }
-    int code(const std::function<void()> &call) {
-        try {
-            call();
-        } catch (const KV_COMException &e) {
-            return e.GetComponentError();
-        } catch (const KV_FileException &e) {
-            return 1000 + e.GetFileErrorId();
-        }
-        return -1;
-    }
 
     std::optional<KV_COMManager> m_manager;
 };
@@ -78,13 +68,13 @@ TEST_F(Manager, StartThatFailsLeavesNothingBehind) {
     for (const auto &row : rows) {
         const KV_FileSpec file = write(row.text);
         for (long live = -1, round = 0; round < 2; ++round) {  // the first one fills what lives on
-            EXPECT_EQ(code([&] { KV_COMManager manager(file); }), row.code) << row.name;
+            EXPECT_EQ(codeOf([&] { KV_COMManager manager(file); }), row.code) << row.name;
             EXPECT_FALSE(traces()) << row.name;
             EXPECT_TRUE(round == 0 || heap.live == live) << row.name << ": " << heap.live - live;
             live = heap.live;
         }
     }
-    EXPECT_EQ(code([&] { KV_COMManager manager(spec("none.krg")); }), 1000 + KV_FileException::OpenRdError);
+    EXPECT_EQ(codeOf([&] { KV_COMManager manager(spec("none.krg")); }), 1000 + KV_FileException::OpenRdError);
 }
 
 // Memory runs out at each of the steps in turn.
@@ -148,7 +138,7 @@ TEST_F(Manager, KnowsTheComponentsOfItsRegistry) {
     m_manager->NewComponent(four, "New:Four");
     m_manager->NewComponent(two, "Ink:E");
     four[0] = two[0] = 'x';  // both were copied
-    EXPECT_EQ(code([&] { m_manager->NewComponent(two, "Ink:A:Below"); }),
+    EXPECT_EQ(codeOf([&] { m_manager->NewComponent(two, "Ink:A:Below"); }),
               KV_COMException::InvalidComponentId);
     const struct {
         const char *path, *id;
@@ -169,15 +159,15 @@ TEST_F(Manager, KnowsTheComponentsOfItsRegistry) {
     EXPECT_EQ(m_manager->TotalUseCount(), 0U) << "no components";
     EXPECT_EQ(m_manager->ComponentCount("Components"), 5U);
     EXPECT_EQ(m_manager->ComponentCount("Components:Ink"), 4U);
-    EXPECT_EQ(code([&] { m_manager->ComponentCount("None"); }), KV_COMException::NoSuchSection);
+    EXPECT_EQ(codeOf([&] { m_manager->ComponentCount("None"); }), KV_COMException::NoSuchSection);
 
     m_manager->IncreaseUseCount("Odd");
-    EXPECT_EQ(code([&] { m_manager->DeleteComponent("one"); }), KV_COMException::InvalidComponentId)
+    EXPECT_EQ(codeOf([&] { m_manager->DeleteComponent("one"); }), KV_COMException::InvalidComponentId)
         << "the text has a separator behind it";
     m_manager->DeleteComponent("a.b");
     EXPECT_EQ(m_manager->TotalUseCount(), 0U) << "forgotten";
-    EXPECT_EQ(code([&] { m_manager->DeleteComponent("a.b"); }), KV_COMException::InvalidComponentId);
-    EXPECT_EQ(code([&] { m_manager->CreateObject("Odd:Thing", "IThing"); }),
+    EXPECT_EQ(codeOf([&] { m_manager->DeleteComponent("a.b"); }), KV_COMException::InvalidComponentId);
+    EXPECT_EQ(codeOf([&] { m_manager->CreateObject("Odd:Thing", "IThing"); }),
               KV_COMException::ComponentNotFound);
 }
 
@@ -292,7 +282,8 @@ TEST_F(Manager, ReadsARegistryWithoutTraces) {
     EXPECT_FALSE(!kOnWindows && KV_FileSpec(spec("Trevane")).FileExists());
     EXPECT_FALSE(traces());
     write("<< /a (@{a}) >>");
-    EXPECT_EQ(code([&] { KV_COMManager::ReadRegistry(file, raw, expanded); }), KV_COMException::SyntaxError);
+    EXPECT_EQ(codeOf([&] { KV_COMManager::ReadRegistry(file, raw, expanded); }),
+              KV_COMException::SyntaxError);
     EXPECT_STREQ(raw.GetValue("a", "", 0), "@{b}!") << "as it was";
 }
 

@@ -4,8 +4,10 @@
 
 #include <cstdlib>
 #include <fstream>
+#include <functional>
 #include <string>
 
+#include "kvbase/runtime/kv_exception.h"
 #include "kvbase/runtime/kv_file_spec.h"
 #include "temp_folder.h"
 
@@ -27,3 +29,16 @@ protected:
 
     TempFolder m_folder;
 };
+
+// What call raises: the code of a component failure, 1000 and more for one of a file, -1 for nothing. The
+// detail is the message of the exception's error line alone, so the code has to do.
+inline int codeOf(const std::function<void()> &call) {
+    try {
+        call();
+    } catch (const KV_COMException &e) {
+        return e.GetComponentError();
+    } catch (const KV_FileException &e) {
+        return 1000 + e.GetFileErrorId();
+    }
+    return -1;
+}
