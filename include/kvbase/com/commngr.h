@@ -109,8 +109,9 @@ public:
 
     /// Reads a registry as the constructor does, for those who only look: no folder is made, no trace begun,
     /// no module known. raw becomes what the file holds, with the sections and the entries of "Environment"
-    /// that it lacks; expanded the same with its references expanded, all strings as KV_UTFString. Throws as
-    /// the constructor does, but takes a "PreferencePath" of any type; both are then as they were.
+    /// that it lacks; expanded the same with references expanded, all strings as KV_UTFString. Throws as the
+    /// constructor does, except that "PreferencePath" may be of any type; raw and expanded then keep what they
+    /// hold.
     static void ReadRegistry(const KV_FileSpec &file, KV_UValDict &raw, KV_UValDict &expanded);
 
     /// The string at section and key, new; the caller deletes it. Throws KV_COMException: NoSuchValue, or
