@@ -22,8 +22,8 @@ struct ComponentAccess;
 extern "C" {
 /// Called once, before the module is asked for its first object; again only after it raised, or when
 /// KV_CreateObject was missing. manager outlives the module's last call; id is the part of the tree of paths
-/// that the module serves. Returns a context of the module's choice, which may be null. The module may ask for objects of other modules here, not for its
-/// own.
+/// that the module serves. Returns a context of the module's choice, which may be null. The module
+/// may ask for objects of other modules here, not for its own.
 KV_MODULE_EXPORT void *KV_Init(KV_COMManager *manager, KV_DictPath id);
 /// Called for each object. subId is the wanted path without the keys of id. Returns a pointer of the type
 /// that interfaceName stands for, which is the caller's by the rules of that interface; null when there is
