@@ -9,9 +9,9 @@
 #include <fstream>
 #include <new>
 #include <optional>
-#include <sstream>
-#include <vector>
+#include <string>
 
+#include "../runtime/trace_capture.h"
 #include "counted_memory.h"
 #include "registry_test.h"
 #include "system.h"
@@ -123,11 +123,10 @@ TEST_F(Manager, TracesForAsLongAsItLivesWhenTheRegistrySaysSo) {
     KV_Tracer::SetMask("KvBaseTrace", 0x24);
     KV_Tracer::SetTracing(open("<< >>"), "KvBaseTrace");
     EXPECT_EQ(baseMask(), 0x24U) << "says nothing about this one";
-    std::ostringstream lines;
-    KV_Tracer::SetStreamP("KvBaseTrace", &lines);
+    TraceCapture lines(4);
     std::string text = "hello";
     m_manager->Trace(text, 4);
-    EXPECT_EQ(lines.str(), "module KvBaseTrac : hello");
+    EXPECT_EQ(lines.Take(), "module KvBaseTrac : hello");
 }
 
 TEST_F(Manager, KnowsTheComponentsOfItsRegistry) {
