@@ -1,32 +1,28 @@
 #!/usr/bin/env bash
-# Builds the library and its tool as they are shipped, and runs the main job on a sample: reads a value file, shows it
-# as a tree, answers queries by path, changes values and writes the file, and merges two files.
+# Builds the library and its tool as they are shipped, and runs the main job on real press data: two printings, measured,
+# are judged against a reference by the limits of a contract proof. The first passes, the second doesn't.
 set -euo pipefail
 cd "$(dirname "$0")"
 
-scripts/setup build
+scripts/setup run
 scripts/build release kvtool
 
-kvtool=build/release/bin/kvtool
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
-show() {
-    printf '\n$ kvtool %s\n' "${*//"$work/"/}"
-    "$kvtool" "$@"
+tables=/usr/share/color/icc # of Debian's package icc-profiles-free
+out=build/proof
+mkdir -p "$out"
+
+judge() {
+    local measured=$1
+    shift
+    printf '\n$ kvtool proof samples/contract_proof.xml FOGRA39L.ti3 %s.ti3 --report ... --html ...\n' "$measured"
+    build/release/bin/kvtool proof samples/contract_proof.xml "$tables/FOGRA39L.ti3" "$tables/$measured.ti3" \
+        --report "$out/$measured.xml" --html "$out/$measured.html" "$@"
+    printf 'Report: %s\nPage:   %s\n' "$PWD/$out/$measured.xml" "$PWD/$out/$measured.html"
 }
 
-show values check samples/press.krg
-show values show samples/press.krg
-show values get samples/press.krg press:name
-show values get samples/press.krg press:gamma --as long
-show values get samples/press.krg press:serial
-show values get samples/press.krg inks:names --index 4
-show values set samples/press.krg press:inks 6 --output "$work/changed.krg"
-show values set "$work/changed.krg" inks:solid:Orange 68.5 52.0 76.25
-show values remove "$work/changed.krg" press:notes
-show values copy samples/press.krg tolerances "$work/limits.krg"
-show values set "$work/limits.krg" tolerances:paper 2.5
-show values merge "$work/changed.krg" "$work/limits.krg"
-show values get "$work/changed.krg" tolerances
-show values get "$work/changed.krg" inks:solid
-show values check "$work/changed.krg"
+judge TR006 --fail-above A
+judge FOGRA40L
+if judge FOGRA40L --fail-above C >"$out/failing.txt" 2>&1; then
+    echo "run.sh: a printing that is out of tolerance was let pass" >&2
+    exit 1
+fi

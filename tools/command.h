@@ -12,6 +12,7 @@ void addCipherCommands(CLI::App &app);
 void addChecksumCommand(CLI::App &app);
 void addUrlCommand(CLI::App &app);
 void addDotgainCommand(CLI::App &app);
+void addProofCommand(CLI::App &app);
 void addCacheCommands(CLI::App &app);
 void addRegistryCommands(CLI::App &app);
 void addModulesCommand(CLI::App &app);

@@ -150,8 +150,10 @@ std::string drawing(const std::vector<Ramp> &ramps) {
         const Ramp &ramp = ramps[ink];
         const auto main = static_cast<std::size_t>(kInks[ink].channel);
         std::string path;
-        for (int i = 0; i <= 100; ++i)
-            path += (i == 0 ? "M" : "L") + place(i / 100.0, ramp.scales[main] * ramp.gainAt(i / 100.0));
+        for (int i = 0; i <= 100; ++i) {
+            path += i == 0 ? 'M' : 'L';
+            path += place(i / 100.0, ramp.scales[main] * ramp.gainAt(i / 100.0));
+        }
         plot.add(std::string("<path class=\"curve\" stroke=\"") + kInks[ink].color + "\" d=\"" + path +
                  "\"/>\n");
         for (std::size_t i = 0; i < ramp.tones.size(); ++i)

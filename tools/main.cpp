@@ -32,6 +32,7 @@ int run(int argc, char **argv) {
     kvtool::addModulesCommand(app);
     kvtool::addColorCommands(app);
     kvtool::addDotgainCommand(app);
+    kvtool::addProofCommand(app);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError &error) {

@@ -108,10 +108,12 @@ std::string lightnessPlot(const std::vector<PagePatch> &patches) {
 
 std::string histogram(const std::vector<PagePatch> &patches, const std::vector<PageCheck> &limits) {
     const PlotAxis x = differenceAxis(patches, limits);
-    const double width = (x.ticks[1] - x.ticks[0]) / 4;  // of a bin
-    std::vector<int> counts((x.ticks.size() - 1) * 4 + 1);
+    // Differences are rounded to tenths as a rule: a fifth of what lies between ticks holds as many of these
+    // in each bin.
+    const double width = (x.ticks[1] - x.ticks[0]) / 5;
+    std::vector<int> counts((x.ticks.size() - 1) * 5 + 1);
     for (const PagePatch &patch : patches)
-        ++counts[static_cast<std::size_t>(patch.difference / width)];
+        ++counts[static_cast<std::size_t>(patch.difference / width + 1e-4)];
     const int most = *std::max_element(counts.begin(), counts.end());
     SvgPlot plot(560, 260, "How many patches have which difference", x,
                  {roundTicks(0, most, 4), 216, 24, "patches"});

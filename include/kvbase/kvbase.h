@@ -68,6 +68,7 @@
 
 #include "kvbase/evaluation/format_utils.h"
 #include "kvbase/evaluation/kv_color_comparison.h"
+#include "kvbase/evaluation/kv_color_report.h"
 #include "kvbase/evaluation/kv_gamut_comparison.h"
 #include "kvbase/xml/expat_xml_parser.h"
 #include "kvbase/xml/kal_sax.h"
