@@ -16,6 +16,12 @@
 #include "registry_test.h"
 #include "system.h"
 
+#if defined(_WIN32)
+// Nothing is counted: texts pass between this program and the C++ library's DLL, which has operators of its
+// own.
+thread_local Heap heap;
+#endif
+
 namespace {
 
 // Whether a trace file is open. When there is none, one is begun and ended.
@@ -77,6 +83,7 @@ TEST_F(Manager, StartThatFailsLeavesNothingBehind) {
     EXPECT_EQ(codeOf([&] { KV_COMManager manager(spec("none.krg")); }), 1000 + KV_FileException::OpenRdError);
 }
 
+#if !defined(_WIN32)
 // Memory runs out at each of the steps in turn.
 TEST_F(Manager, StartThatRunsOutOfMemoryLeavesNothingBehind) {
     const KV_FileSpec file =
@@ -100,6 +107,7 @@ TEST_F(Manager, StartThatRunsOutOfMemoryLeavesNothingBehind) {
     }
     EXPECT_GT(steps, 100);
 }
+#endif
 
 TEST_F(Manager, TracesForAsLongAsItLivesWhenTheRegistrySaysSo) {
     struct {
