@@ -16,7 +16,7 @@ judge() {
     shift
     printf '\n$ kvtool proof samples/contract_proof.xml FOGRA39L.ti3 %s.ti3 --report ... --html ...\n' "$measured"
     build/release/bin/kvtool proof samples/contract_proof.xml "$tables/FOGRA39L.ti3" "$tables/$measured.ti3" \
-        --report "$out/$measured.xml" --html "$out/$measured.html" "$@"
+        --report "$out/$measured.xml" --html "$out/$measured.html" "$@" || return
     printf 'Report: %s\nPage:   %s\n' "$PWD/$out/$measured.xml" "$PWD/$out/$measured.html"
 }
 
