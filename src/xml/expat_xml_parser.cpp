@@ -17,11 +17,17 @@ namespace {
 constexpr std::uint32_t kBlock = 512;
 constexpr int kMostCharacters = 65535;
 
-/// ReadEncrypted ends the text with a zero byte, which takes the place of a blank where the text is padded.
-void putBlankBack(char *block, std::uint32_t size) {
-    while (size > 0 && block[size - 1] == ' ')
-        --size;
-    if (size > 0 && block[size - 1] == 0) block[size - 1] = ' ';
+/// A block of an enciphered file. ReadEncrypted ends the text with a zero byte; where that took the place of
+/// a padding blank, the blank is put back. A zero byte of the document itself stays, for Expat to refuse.
+std::uint32_t readDeciphered(KV_FStream &stream, char *block) {
+    std::fill_n(block, kBlock + 1, ' ');
+    const std::uint32_t size = stream.ReadEncrypted(block, kBlock);
+    if (block[size] == 0) return size;  // the text fills the block
+    std::uint32_t end = size;
+    while (end > 0 && block[end - 1] == ' ')
+        --end;
+    if (end > 0 && block[end - 1] == 0) block[end - 1] = ' ';
+    return size;
 }
 
 /// How much of a text goes into one event: all of it, or what leaves no character cut.
@@ -64,9 +70,7 @@ private:
             XML_Parse(m_owner.m_parser, text, static_cast<int>(length), isFinal ? XML_TRUE : XML_FALSE);
         if (m_owner.m_raised) std::rethrow_exception(std::exchange(m_owner.m_raised, nullptr));
         if (status != XML_STATUS_ERROR) return true;
-        const XML_Error error = XML_GetErrorCode(m_owner.m_parser);
-        if (error == XML_ERROR_NO_MEMORY) throw std::bad_alloc();
-        const char *const reason = XML_ErrorString(error);
+        const char *const reason = XML_ErrorString(XML_GetErrorCode(m_owner.m_parser));
         const std::string message = (reason != nullptr ? reason : "unknown error") +
                                     std::string(" at line ") +
                                     std::to_string(XML_GetCurrentLineNumber(m_owner.m_parser));
@@ -89,13 +93,8 @@ bool ExpatXMLParser::Parse(const KV_FileSpec &file, bool encrypted) {
     Session session(*this);
     char block[kBlock + 1];
     for (;;) {
-        std::uint32_t size = 0;
-        if (encrypted) {
-            size = stream.ReadEncrypted(block, kBlock);
-            putBlankBack(block, size);
-        } else {
-            size = static_cast<std::uint32_t>(stream.Read(block, 1, kBlock));
-        }
+        const std::uint32_t size = encrypted ? readDeciphered(stream, block)
+                                             : static_cast<std::uint32_t>(stream.Read(block, 1, kBlock));
         if (!session.feed(block, size, size < kBlock)) return false;
         if (size < kBlock) return true;
     }

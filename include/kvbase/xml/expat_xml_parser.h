@@ -52,7 +52,8 @@ public:
 
     /// Reads a document of length bytes in memory, which are only read. When it is not well-formed, the error
     /// handler's FatalError gets Expat's text, " at line " and the line, and the result is false. What was
-    /// read before has caused its events. Throws std::bad_alloc when memory runs out.
+    /// read before has caused its events. When Expat runs out of memory
+    /// that is its text, too; std::bad_alloc is thrown when there is none to begin with.
     bool Parse(char *buffer, std::uint32_t length) override;
     /// The same for a file, in blocks of 512 bytes. False, without a word to the error handler, when it can't
     /// be opened. encrypted  whether the file is enciphered (KV_FStream::WriteEncrypted)
