@@ -22,9 +22,9 @@
 /// them.
 class KV_ReportMetaData {
 public:
-    KV_WString front[17];
+    KV_WString texts[17];
     std::uint16_t number = 0;
-    KV_WString back[11];
+    KV_WString furtherTexts[11];
 };
 
 /// A report, and its reader. One thread at a time.
@@ -90,9 +90,10 @@ private:
     void endStat();
 };
 
-/// Writes the report as UTF-8, each line with a line feed that flushes the stream, and leaves the stream in
-/// fixed notation with two digits behind a point, whatever its locale. Names and texts are written as they
-/// are: one with &, < or a quotation mark makes a file that can't be read. Spaces of more channels than a
-/// patch has room for get as many device values as there are. A formula above 3 is written as CIE 1976, which
-/// it counts as, and an intent other than 1 as side by side. Failures are the stream's to tell.
+/// Writes the report as UTF-8, each line with a line feed that flushes the stream (a binary one, for that to
+/// stay so on every system), and leaves the stream in fixed notation with two digits behind a point, whatever
+/// its locale. Names and texts are written as they are: one with &, < or a quotation mark makes a file that
+/// can't be read. Spaces of more channels than a patch has room for get as many device values as there are. A
+/// formula above 3 is written as CIE 1976, which it counts as, and an intent other than 1 as side by side.
+/// Failures are the stream's to tell.
 KV_EXPORT std::ostream &operator<<(std::ostream &stream, KV_ColorReport &report);

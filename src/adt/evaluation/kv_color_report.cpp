@@ -131,6 +131,10 @@ void KV_ColorReport::startReport(const KalSAX::AttributeList &attributes) {
         return UnicodeUtils::CreateWideStringFromStdString(textOf(text));
     };
     Clear();
+    patch = {};  // what a document that broke off has left
+    stat = {};
+    point.Clear();
+    comparison.Clear();
     standard = wide(attributes.GetValue("standard"));
     const KV_String base = attributes.GetValue("basedOn");
     basedOn = base.Size() != 0 ? wide(base) : standard;
