@@ -55,8 +55,10 @@ public:
     /// does.
     bool ParseBuffer(KalSAX::Parser *parser, char *buffer, std::uint32_t length);
 
-    // The reader. Device values beyond those that a patch has room for are passed over, and so is a list of
-    // limits with a ":" that lacks a number before or behind it.
+    // The reader. A comparison starts out from formula, intent, space and points of the one before it, also
+    // of the other intent. What a document that broke off has left is forgotten where a report begins. Device
+    // values beyond those that a patch has room for are passed over, and so is a list of limits with a ":"
+    // that lacks a number before or behind it.
     void StartElement(const KV_String &name, const KalSAX::AttributeList &attributes) override;
     void EndElement(const KV_String &name) override;
     /// Does nothing: reports have no character data.
