@@ -139,7 +139,7 @@ TEST(ColorReport, ReadsTolerancesAndDeviceValues) {
                                   {" 1  2\t3.5 ", {1, 2, 3.5F}, 0.1F},
                                   {"1 2 : 0.5", {1, 2}, 0.5F},
                                   {": 0.5", {}, 0.5F},
-                                  {":", {}, 0},
+                                  {":", {}, 0.1F},
                                   {"x 2", {0, 2}, 0.1F}};
     for (const ToleranceCase &row : rows) {
         KV_ColorReport report;

@@ -39,7 +39,7 @@ void parseTolerance(const KV_String &text, KV_ColorTol &tol) {
     forEachNumber(text, [&tol](double number) { tol.tolerances.push_back(static_cast<float>(number)); });
     const std::string_view bytes(text.Ptr(), text.Size());
     if (bytes.find(':') == std::string_view::npos) return;
-    if (tol.tolerances.size() < before + 3) {  // a limit, what the ":" was read as, and the step
+    if (tol.tolerances.size() < before + 2) {  // what the ":" was read as, and the step
         tol.tolerances.resize(before);
         return;
     }
