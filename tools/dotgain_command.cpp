@@ -191,7 +191,7 @@ void addDotgainCommand(CLI::App &app) {
     command->footer(
         "Areas are those of Murray and Davies in the channel of XYZ that the ink absorbs most of; the scales "
         "carry\n"
-        "the gain a + c0 a^4 + c1 a^3 + c2 a^2 + c3 a of the tone a over to the other channels.");
+        "the gain c0 a^4 + c1 a^3 + c2 a^2 + c3 a of the tone a over to each channel.");
     command->callback([args] { dotgain(*args); });
 }
 

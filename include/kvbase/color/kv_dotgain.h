@@ -17,15 +17,18 @@
 ///
 /// tones         count nominal areas, 0 to 1, ascending: paper first, the solid last
 /// xyz           count triples X, Y, Z on any one scale; paper and solid must differ in each
-/// channel       the main channel, 0, 1 or 2 for X, Y or Z: that in which the ink absorbs most
+/// channel       the main channel, 0, 1 or 2 for X, Y or Z and nothing else: in which the ink absorbs most
 /// coefficients  gets c0, c1, c2, c3
 /// scales        gets s[0], s[1], s[2]; that of the main channel is 1, if limits allows
 /// limits        two floats; limits[1] is the largest scale that is positive, limits[0] is not read
 ///
 /// A scale below 0 is brought so near to 0 that the effective area of its channel doesn't fall. Fewer than
 /// three tints, gains that vanish at their peak, and tints for which no peak of the grid lies above 0, give
-/// no gain: coefficients of 0 and scales of 1. Not-a-numbers in the input do the same or go on into the
-/// results. The inputs are only read. Throws what Least_Squares throws. Source: Murray, J. Franklin Inst. 221
+/// no gain: coefficients of 0 and scales of 1; where no curve of the grid rises, the scales are 0.
+/// Not-a-numbers in the input do the same or go on into the
+/// results. The inputs are only read. Throws what Least_Squares throws.
+///
+/// Source: Murray, J. Franklin Inst. 221
 /// (1936) 721-744, for the model; the shape of the curve and the search are this library's own.
 KV_EXPORT void FitDotgainFromXYZ(float *tones, float *xyz, std::int32_t count, std::int32_t channel,
                                  double *coefficients, float *scales, float *limits);

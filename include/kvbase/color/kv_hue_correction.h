@@ -14,21 +14,27 @@ public:
     /// An empty table, which moves nothing.
     KV_HueCorrection() = default;
     /// Copies nodes and table. Each list of nodes is ascending; lightness counts 0 to 100, hues are in
-    /// degrees. table  the corrected hues in degrees, lightness slowest, hue fastest: that of the nodes l, c,
-    /// h stands at
-    ///        (l * chromaCount + c) * hueCount + h
+    /// degrees.
+    ///
+    /// table  the corrected hues in degrees, lightness slowest, hue fastest: that of the nodes l, c, h stands
+    ///        at (l * chromaCount + c) * hueCount + h
+    ///
     /// Without a node of some kind (a count below 1) the table is empty.
     KV_HueCorrection(std::int32_t lightnessCount, float *lightnessNodes, std::int32_t chromaCount,
                      float *chromaNodes, std::int32_t hueCount, float *hueNodes, float *table);
 
     /// Corrects count colours.
+    ///
     /// in, out  L*, a*, b* interleaved; they may be one array, but must not overlap in part
+    ///
     /// Below the first node of lightness or chroma the first one counts, above the last one the last. Hues
     /// are taken above 0 up to 360; one that lies below the first node of hue or above the last lies between
     /// the last and the first, and is extrapolated where these nodes begin below 0. A count below 1 does
     /// nothing.
     void ForwardEval(float *in, float *out, int count) const;
 
+    // The nodes and the table as they were given, hues in degrees. They stay this object's until it is
+    // assigned to.
     const std::vector<float> &GetLightnessNodes() const { return m_lightness; }
     const std::vector<float> &GetChromaNodes() const { return m_chroma; }
     const std::vector<float> &GetHueNodes() const { return m_hue; }

@@ -119,9 +119,13 @@ public:
     /// to a new patch at the end of the list, which is classified. The patch gets its groups' limits
     /// (SetTols), reference and measurement, rounded to one decimal, and from these the differences, each
     /// rounded to a multiple of its step (a step of 0 gives not-a-number); then it is graded, and the worst
-    /// grade is kept in grade. It counts in its group's stat and in "CtrlStrip". stim       as many device
-    /// values as the space has channels; 8 of more are read ref, meas  L*, a*, b* dEList     gets the rounded
-    /// dE at its end The three arrays are only read, and may be those of a patch in the list. Every call
+    /// grade is kept in grade. It counts in its group's stat and in "CtrlStrip".
+    ///
+    /// stim       as many device values as the space has channels; 8 of more are read
+    /// ref, meas  L*, a*, b*
+    /// dEList     gets the rounded dE at its end
+    ///
+    /// The three arrays are only read, and may be those of a patch in the list. Every call
     /// reads the whole list up to the patch: see AddPatches for many.
     void AddPatch(std::string name, std::string group, float *stim, float *ref, float *meas,
                   std::vector<float> &dEList);
@@ -142,8 +146,10 @@ public:
 
     /// Turns the sums of each stat with patches into means, takes the 95th percentile of dE, rounds and
     /// grades these and the maxima, and keeps the worst grade in grade. A second call would divide again:
-    /// ClearDiffs comes between two rounds. dEList  differences of the patches, which are sorted,
-    /// not-a-numbers last. The one list serves all stats:
+    /// ClearDiffs comes between two rounds.
+    ///
+    /// dEList  differences of the patches, which are sorted, not-a-numbers last. The one list serves all
+    /// stats:
     ///         the percentile of a stat of n patches is that of the list's n smallest. When it is
     ///         shorter than n, the percentile is that of the whole list, and 0 when it is empty.
     void CalcStats(std::vector<float> &dEList);

@@ -57,8 +57,8 @@ public:
 
     // The reader. A comparison starts out from formula, intent, space and points of the one before it, also
     // of the other intent. What a document that broke off has left is forgotten where a report begins. Device
-    // values beyond those that a patch has room for are passed over. Of limits with a ":" what stands behind it
-    // is the step; one with nothing but a ":" is passed over, too.
+    // values beyond those that a patch has room for are passed over. Of limits with a ":" what stands behind
+    // it is the step; one with nothing but a ":" is passed over, too.
     void StartElement(const KV_String &name, const KalSAX::AttributeList &attributes) override;
     void EndElement(const KV_String &name) override;
     /// Does nothing: reports have no character data.

@@ -5,12 +5,15 @@
 // A matrix is a flat array in row-major order: element (r, c) of m rows by n columns stands at r * n + c.
 // Inputs are only read; results must not lie over inputs unless a text says so. Sizes below 1 are empty.
 // Exported undecorated. Functions work on the caller's arrays, take no heap memory for small systems (about
-// 2,000 elements in all), and may run on any thread at once.
+// 2,000 elements in all; but for the basis that Null_Space gives, and Constrained_Least_Squares asks it for),
+// and may run on any thread at once.
 //
 // Singular values below 1e-10 of the largest count as 0 (the cut). They come from the decomposition of Golub
 // and Reinsch (Numer. Math. 14 (1970) 403-420) by Householder reduction and implicit-shift QR sweeps, with at
-// most 29 sweeps for each value. An infinity or a not-a-number in the input ends in KV_ERR_NO_CONVERGENCE or
-// goes on into the result; it never makes a number look like a good one, and nothing runs on for ever.
+// most 29 sweeps for each value. Where a singular value vanishes in front of a block, the cancellation scales
+// the off-diagonal elements by c, as published: left as they are, results come out wrong. An infinity or a
+// not-a-number in the input ends in KV_ERR_NO_CONVERGENCE or goes on into the result; it never makes a number
+// look like a good one, and nothing runs on for ever.
 
 #include <cstdint>
 
@@ -19,7 +22,8 @@
 extern "C" {
 
 /// The inverse of an n by n matrix, by Gauss-Jordan elimination with partial pivoting. 1, or 0 when a pivot
-/// is exactly 0: inv then holds what the elimination had reached. A not-a-number is never chosen as a pivot
+/// is exactly 0: inv then holds what the elimination had reached, columns in order. Of equal pivots the first
+/// is taken. A not-a-number is never chosen as a pivot
 /// while there is another element. inv may be a.
 KV_EXPORT std::int32_t Matrix_Inverse(const double *a, std::int32_t n, double *inv);
 /// The inverse of a 3 by 3 matrix: its adjugate by its determinant, all in single precision. Leaves inv as it
@@ -53,7 +57,7 @@ KV_EXPORT void Null_Space(const double *c, std::int32_t p, std::int32_t n, doubl
 ///
 /// Of several exactly equal values, those that the cut made 0 among them, only the last one is stored: the
 /// others' entries of values and vectors stay as the caller left them, so fill both before.
-/// Throws KV_Exception (KV_ERR_NO_CONVERGENCE), with the results untouched.
+/// Throws KV_Exception, with the results untouched: KV_ERR_BAD_INPUT when n is not m; KV_ERR_NO_CONVERGENCE.
 KV_EXPORT void Eigen(const double *a, std::int32_t m, std::int32_t n, double *values, double *vectors);
 
 }  // extern "C"

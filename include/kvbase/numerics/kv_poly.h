@@ -15,9 +15,8 @@ extern "C" {
 ///
 /// x, y         count abscissas and ordinates
 /// constrained  whether the last point is to be met, too
-/// order        1 to 4; any other asks for 1 up to 3 points, 2 up to 5, 3 up to 7, else 4. Receives the order
-/// of
-///              the curve that was fitted.
+/// order        1 to 4; any other asks for 1 up to 3 points, 2 up to 5, 3 up to 7, else 4. Receives the
+///              order of the curve that was fitted.
 /// coefficients receives c1 to c_order, which the caller releases with delete[]
 ///
 /// Refused are an order 3 with both extrema, and an order 4 with two or three, inside the open interval (0,

@@ -63,12 +63,12 @@ void CalculateFurtherOverlaps(std::int32_t inks, std::vector<std::vector<float>>
                               std::vector<float> &weights) {
     if (inks < 3 || inks > kMostInks) return;
     const std::uint32_t sets = 1U << inks;
-    const auto isShort = [inks](const std::vector<float> &values) {
-        return values.size() < static_cast<std::size_t>(inks);
-    };
-    if (overlaps.size() < sets || weights.size() < sets ||
-        std::any_of(overlaps.begin(), overlaps.begin() + sets, isShort))
-        return;
+    if (overlaps.size() < sets || weights.size() < sets) return;
+    for (std::uint32_t set = 0; set < sets; ++set) {
+        const int size = std::popcount(set);
+        const bool isUsed = size >= 2 && size <= kMostOverlaps;
+        if (isUsed && overlaps[set].size() < static_cast<std::size_t>(inks)) return;
+    }
     for (int size = 3; size <= std::min(inks, kMostOverlaps); ++size)
         for (std::uint32_t set = 0; set < sets; ++set)
             if (std::popcount(set) == size) deriveOverlap(set, overlaps, weights);

@@ -187,7 +187,7 @@ void Null_Space(const double *c, std::int32_t p, std::int32_t n, double **z, std
             basis[(i + 1) * columns + i] = -c[i];
         }
         *z = basis.release();
-        *k = n - 1;
+        *k = static_cast<std::int32_t>(columns);
         return;
     }
     const Decomposed decomposed(c, p, n);
@@ -208,6 +208,7 @@ void Null_Space(const double *c, std::int32_t p, std::int32_t n, double **z, std
 }
 
 void Eigen(const double *a, std::int32_t m, std::int32_t n, double *values, double *vectors) {
+    if (m != n) throw KV_Exception("Eigen: the matrix is not square", KV_ERR_BAD_INPUT, KV_HERE, true);
     const Decomposed decomposed(a, m, n);
     const double *const w = decomposed.values();
     const std::size_t count = size(n);

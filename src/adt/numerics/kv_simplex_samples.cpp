@@ -127,6 +127,7 @@ void ChooseBestSamples(std::int32_t count, const float *in, std::int32_t wanted,
                 narrowest = i;
             }
         }
+        narrowest = std::min(narrowest, samples.size() - 2);  // that of an earlier round; the last one stays
         samples.erase(samples.begin() + static_cast<std::ptrdiff_t>(narrowest));
     }
     std::copy(samples.begin(), samples.end(), out);

@@ -376,6 +376,7 @@ double cutSingularValues(double *w, std::int32_t n) {
 
 void Svd_BackSubstitute(const double *u, const double *w, const double *v, const double *b, double *tmp,
                         std::int32_t m, std::int32_t n, double *x) {
+    if (n < 1) return;
     std::fill_n(tmp, n, 0.0);
     for (std::int32_t i = 0; i < m; ++i)
         addScaled(tmp, u + std::ptrdiff_t{i} * n, b[i], static_cast<std::size_t>(n));

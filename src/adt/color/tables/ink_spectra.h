@@ -1,7 +1,7 @@
 #pragma once
 
 // Reflectances of paper and of solid process inks on it, 380 to 730 nm by 10.
-// Source: measurements of this library's own makers.
+// This library's own figures, of no publication.
 
 namespace kv::detail {
 
