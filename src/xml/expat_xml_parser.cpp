@@ -127,15 +127,20 @@ void ExpatXMLParser::CData(void *user, const char *text, int length) {
 }
 
 void ExpatXMLParser::StartElementHandler(const char *name, const char **attributes) {
-    m_documentHandler->StartElement(name, ExpatXMLAttributeList(attributes));
+    m_text.take(name, static_cast<std::uint32_t>(std::strlen(name)));
+    m_documentHandler->StartElement(m_text, ExpatXMLAttributeList(attributes));
 }
 
-void ExpatXMLParser::EndElementHandler(const char *name) { m_documentHandler->EndElement(name); }
+void ExpatXMLParser::EndElementHandler(const char *name) {
+    m_text.take(name, static_cast<std::uint32_t>(std::strlen(name)));
+    m_documentHandler->EndElement(m_text);
+}
 
 void ExpatXMLParser::CDataHandler(const char *text, int length) {
     while (length > 0) {
         const int size = pieceOf(text, length);
-        m_documentHandler->Characters({text, static_cast<std::uint32_t>(size)});
+        m_text.take(text, static_cast<std::uint32_t>(size));
+        m_documentHandler->Characters(m_text);
         text += size;
         length -= size;
     }
@@ -154,8 +159,10 @@ KV_String ExpatXMLAttributeList::GetType(int /*index*/) const { return "CDATA"; 
 KV_String ExpatXMLAttributeList::GetType(const char * /*name*/) const { return "CDATA"; }
 
 KV_String ExpatXMLAttributeList::GetValue(const char *name) const {
-    for (int i = 0; i < m_count; ++i)
-        if (std::strcmp(m_attributes[std::ptrdiff_t{2} * i], name) == 0) return GetValue(i);
+    if (m_attributes == nullptr) return {};
+    for (const char **pair = m_attributes; *pair != nullptr; pair += 2)
+        if (**pair == *name && std::strcmp(*pair, name) == 0)
+            return pair[1];  // most differ in the first byte
     return {};
 }
 

@@ -77,6 +77,11 @@ public:
 
 private:
     class Session;
+    // Uses its buffer again.
+    class Text : public KV_String {
+    public:
+        void take(const char *text, std::uint32_t length) { assignCopy(length, text); }
+    };
     template <class Event>
     static void guarded(void *user, const Event &event);
 
@@ -86,4 +91,5 @@ private:
     KV_String m_systemID;
     XML_ParserStruct *m_parser = nullptr;  // null but during Parse
     std::exception_ptr m_raised;           // by a handler
+    Text m_text;                           // of the event at hand
 };
