@@ -95,7 +95,9 @@ void clean(const Arguments &args) {
     cacher.RemoveFileCache();
     const std::vector<LinkFile> left = linkFiles(args.folder);
     tellRemoved(before, left.size());
-    if (!left.empty()) throw BadInput(left.front().name, "can't be removed");
+    if (!left.empty())
+        throw BadInput(args.folder,
+                       "the removal ended at a name that begins with \"templink_\" and can't be deleted");
 }
 
 /// A manager whose profile module is at hand. Without that every file would count as bad and go.

@@ -46,9 +46,9 @@ public:
     /// for it.
     KV_UValDict *NewSection(const KV_DictPath &section);
     /// Stores value raw and expanded, in place of an earlier entry, and returns the expanded string, which is
-    /// the registry's. value, made with new, is the registry's from now on, also when its expansion fails
-    /// (SyntaxError), there is no place for it (InvalidComponentId) or memory runs out; without the section
-    /// (NoSuchSection, InvalidComponentId) it stays the caller's.
+    /// the registry's and lives until the entry is replaced. value, made with new, is the registry's from now
+    /// on, also when its expansion fails (SyntaxError), there is no place for it (InvalidComponentId) or
+    /// memory runs out; without the section (NoSuchSection, InvalidComponentId) it stays the caller's.
     KV_UTFString *NewEntry(const KV_DictPath &section, const KV_DictPath &key, KV_UTFString *value);
 
     /// The file at a key of "Environment". Throws as GetEntry does.
@@ -60,8 +60,8 @@ public:
     /// KV_UValLong.
     std::int32_t DoTracing();
     std::int32_t TraceToFile();
-    /// The name of a trace file that is begun now: "TraceFileName", "KalvorLog" without it, and the local
-    /// time.
+    /// The name of a trace file that is begun now, of any length: "TraceFileName", "KalvorLog" without it,
+    /// and the local time.
     void TraceFileName(KV_String &out);
 
     /// The file that was read.

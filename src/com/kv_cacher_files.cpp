@@ -75,5 +75,6 @@ void KV_Cacher::storeFile(KV_CheckSum *sum, KV_IColorMatcher &matcher) {
     const bool isWanted = GetLinkFilePath(sum).empty();
     if (isSaved && isWanted && kv::platform::renameFile(temporary, name)) return;
     kv::platform::deleteFile(temporary);
-    if (!isSaved && isWanted) kv::platform::deleteFile(name);
+    // By the method 1 there was none; one that is there now is another process's, and whole.
+    if (!isSaved && m_method != KV_CACHING_FILES) kv::platform::deleteFile(name);
 }

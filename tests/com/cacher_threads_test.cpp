@@ -2,6 +2,7 @@
 // but its checksum's, and every object is released.
 
 #include <gtest/gtest.h>
+#include <kvbase/runtime/kv_exception.h>
 
 #include <array>
 #include <atomic>
@@ -209,6 +210,64 @@ TEST(CacherThreads, AgreeWhoBuildsAndLeaveNothingBehind) {
     EXPECT_LE(total.slowWakings, kRounds / 4) << "waiters go on by the signal, not by the time-out";
     cacher.RemoveMemCache();
     EXPECT_EQ(host.manager().TotalUseCount(), 0u);
+}
+
+// Everything at once, by both methods: nothing crashes or stays behind, and a link is its checksum's.
+TEST(CacherThreads, MayCallAllOperationsAtOnce) {
+    ProfileHost host;
+    KV_Cacher &cacher = host.cacher();
+    std::atomic<int> wrong{0}, found{0};
+    const auto work = [&](int id) {
+        std::minstd_rand random(static_cast<unsigned>(id) + 1);
+        for (int step = 0; step < 150; ++step) {
+            KV_CheckSum sum = sumOf(static_cast<std::uint32_t>(random()) % 8);
+            KV_ILinkCore *link = nullptr;
+            try {
+                cacher.GetLinkCore(&sum, id, link, false, 0);
+                if (link == nullptr) cacher.SetLink(&sum, host.builder(sum).get(), false, KV_CACHING_AS_SET);
+            } catch (const KV_FileException &) {  // the file went in between
+            }
+            if (const Ref<ITestLink> held = testLink(link)) {
+                ++found;
+                if (held->Values().at(7) != testLinkValue(sum, 7)) ++wrong;
+            }
+            cacher.UnRegister(&sum, id, false);
+            switch (random() % 16) {
+            case 0:
+                cacher.RemoveMemCache();
+                break;
+            case 1:
+                cacher.RemoveFileCache();
+                break;
+            case 2:
+                cacher.SetCachingMethod(random() % 2 == 0 ? KV_CACHING_FILES : KV_CACHING_MEMORY);
+                break;
+            case 3:
+                cacher.SetMaxCacheSize(static_cast<std::uint32_t>(random()) % kLimit);
+                break;
+            case 4:
+                cacher.SetProfile(&sum, host.profile().get());
+                break;
+            case 5:
+                Ref<KV_IProfile>(cacher.GetProfile(&sum));
+                break;
+            default:
+                break;
+            }
+        }
+    };
+    cacher.SetCachingMethod(KV_CACHING_FILES);
+    host.manager().SetCachingPath(host.cachingPath("links"));
+    std::vector<std::thread> threads;
+    for (int id = 0; id < 8; ++id)
+        threads.emplace_back(work, id);
+    for (std::thread &thread : threads)
+        thread.join();
+    EXPECT_EQ(wrong, 0);
+    EXPECT_GE(found, 100);
+    cacher.RemoveMemCache();
+    EXPECT_EQ(cacher.GetCounts().openHandles, 0);
+    EXPECT_EQ(host.manager().TotalUseCount(), 0U);
 }
 
 }  // namespace

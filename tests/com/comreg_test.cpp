@@ -7,6 +7,7 @@
 #include <memory>
 #include <string>
 
+#include "../runtime/trace_capture.h"
 #include "platform/platform.h"
 #include "registry_test.h"
 #include "system.h"
@@ -165,6 +166,32 @@ TEST_F(Registry, BadFilesAreRefused) {
         EXPECT_EQ(codeOf([&] { open(c.text); }), c.code) << c.name;
     EXPECT_EQ(codeOf([&] { KV_Registry missing(KV_FileSpec(KV_W("no_such_folder\\r.krg"))); }),
               1000 + KV_FileException::OpenRdError);
+}
+
+// The text that tells a user's log where a registry failed.
+TEST_F(Registry, FailuresNameTheirPlace) {
+    open("<< /Environment << /X (x) >> /leaf 5 >>");
+    KV_FileSpec file;
+    const struct {
+        const char *place;
+        std::function<void()> call;
+    } rows[] = {
+        {"KV_RegistryGetValue", [&] { m_registry->GetEntry("", "leaf"); }},
+        {"KV_RegistryGetSection", [&] { m_registry->GetSection("none"); }},
+        {"KV_Registry::CleanString",
+         [&] { m_registry->NewEntry("Environment", "Y", new KV_UTFString("@{open")); }},
+        {"KV_Registry::GetEntry", [&] { m_registry->GetFileSpec("none", file); }},
+        {"KV_Registry::NewEntry",
+         [&] { m_registry->NewEntry("Environment", "X:Y", new KV_UTFString("no place")); }},
+        {"KV_Registry::NewSection", [&] { m_registry->NewSection("leaf"); }},
+        {"KV_Registry::GetTracingMask", [&] { m_registry->GetTracingMask("none"); }},
+    };
+    TraceCapture trace(1);
+    for (const auto &row : rows) {
+        EXPECT_NE(codeOf(row.call), -1) << row.place;
+        const std::string line = trace.Take();
+        EXPECT_NE(line.find(std::string(row.place)), std::string::npos) << line;
+    }
 }
 
 TEST_F(Registry, IsChosenBesideTheProgramOrInTheCurrentFolder) {

@@ -109,6 +109,11 @@ TEST_F(LinkFiles, ThatAreBadRaiseAndThoseThatFailAreNotThere) {
     EXPECT_THROW(cacher().GetLinkCore(&bad, 1, link, false, 0), KV_ProfileException);
     cacher().UnRegister(&bad, 1, false);
 
+    fs::create_directories(linkFile(5) / "in the way");  // nothing can be renamed to that
+    store(5);
+    EXPECT_EQ(names().size(), 2U) << "no temporary file is left";
+    fs::remove_all(linkFile(5));
+
     std::ofstream(host.folder() / "file") << "in the way of a folder";
     host.manager().SetCachingPath(host.cachingPath("file\\links"));
     store(3);

@@ -231,6 +231,16 @@ TEST_F(Modules, EndBeforeTheRegistryAndBehindTheCache) {
     EXPECT_EQ(m_otherScript.calls.back(), "exit");
 }
 
+TEST_F(Modules, OneObjectMayOutliveTheManager) {
+    open("/Ink << /A (scripted_module) >>");
+    ICounted *const kept = make("Ink:A:Thing");
+    TraceCapture trace(1);
+    m_manager.reset();
+    EXPECT_NE(trace.Take().find("RELEASE ERROR: 1 objects"), std::string::npos);
+    EXPECT_EQ(m_script.calls.back(), "exit");
+    kept->Forget();
+}
+
 TEST_F(Modules, IdsNarrowToWhatPathsHaveInCommon) {
     const struct {
         const char *id, *path, *narrowed, *subId;

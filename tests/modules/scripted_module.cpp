@@ -18,10 +18,14 @@ const char *const kEntry = "Ink:A";
 class Counted final : public ICounted {
 public:
     explicit Counted(KV_COMManager &manager) : m_manager(manager) { m_manager.IncreaseUseCount(kEntry); }
-    void Release() override { delete this; }
+    void Release() override {
+        m_manager.DecreaseUseCount(kEntry);
+        delete this;
+    }
+    void Forget() override { delete this; }
 
 private:
-    ~Counted() override { m_manager.DecreaseUseCount(kEntry); }
+    ~Counted() override = default;
     KV_COMManager &m_manager;
 };
 

@@ -27,6 +27,8 @@ public:
     ICounted(const ICounted &) = delete;
     ICounted &operator=(const ICounted &) = delete;
     virtual void Release() = 0;
+    // The same when the manager is gone.
+    virtual void Forget() = 0;
 
 protected:
     virtual ~ICounted() = default;

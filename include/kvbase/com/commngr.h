@@ -110,8 +110,8 @@ public:
     /// Reads a registry as the constructor does, for those who only look: no folder is made, no trace begun,
     /// no module known. raw becomes what the file holds, with the sections and the entries of "Environment"
     /// that it lacks; expanded the same with references expanded, all strings as KV_UTFString. Throws as the
-    /// constructor does, except that "PreferencePath" may be of any type; raw and expanded then keep what they
-    /// hold.
+    /// constructor does, except that "PreferencePath" may be of any type; raw and expanded then keep what
+    /// they hold.
     static void ReadRegistry(const KV_FileSpec &file, KV_UValDict &raw, KV_UValDict &expanded);
 
     /// The string at section and key, new; the caller deletes it. Throws KV_COMException: NoSuchValue, or
@@ -121,7 +121,9 @@ public:
     /// InvalidComponentId when it is none.
     KV_UValDict *RegistryGetSection(KV_DictPath section);
     /// Stores value at section and key, in place of a former entry, and returns its expanded form. Both are
-    /// the registry's from then on: value has to be made with new, and neither is deleted by the caller.
+    /// the registry's from then on, and live until the entry is replaced or the manager goes: value has to be
+    /// made with new, and neither is deleted by the caller. A value whose references fail stays in the raw
+    /// form, where others can still refer to it.
     /// Nothing is written to the file. Throws KV_COMException: NoSuchSection, with value still the caller's;
     /// SyntaxError for its references and InvalidComponentId when there is no place for it, with value
     /// deleted, at once or with the registry.
@@ -183,7 +185,7 @@ public:
 
     /// The cache, which stays the manager's.
     KV_Cacher *Cacher() const { return m_cacher.get(); }
-    // As the operations of KV_Cacher of these names.
+    // As the operations of KV_Cacher of these names, which tell what they do and raise.
     KV_CachingMethod GetCachingMethod() const;
     void SetCachingMethod(const KV_CachingMethod &method);
     void SetMaxCacheSize(std::uint32_t size);

@@ -16,7 +16,8 @@ namespace kv::detail {
 struct ComponentAccess;
 }
 
-// What a module defines. All three run under the manager's lock. They may raise: what they raise reaches the
+// What a module defines. KV_Init and KV_CreateObject run under the manager's lock, KV_Exit on the thread that
+// ends the manager. They may raise: what they raise reaches the
 // caller of CreateObject as it is, to be caught by its type, except from KV_Exit, which ends there. An
 // exception has to be gone before the manager is.
 extern "C" {

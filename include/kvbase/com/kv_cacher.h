@@ -77,6 +77,7 @@ public:
 
     // ---- settings ----------------------------------------------------------------------------------------
 
+    /// Where links are kept. KV_CACHING_OFF at first.
     KV_CachingMethod GetCachingMethod() const { return m_method; }
     /// Takes effect from the next call on; what is in the cache stays there.
     void SetCachingMethod(KV_CachingMethod method) { m_method = method; }
@@ -90,6 +91,7 @@ public:
     /// whether it was counted or not; a sum beyond 32 bits stays at their largest number.
     std::uint32_t GetCurrentCacheSize() const { return m_size; }
     /// A flag that is only kept here. False at first.
+    /// That flag.
     bool GetMultiThreading() const { return m_multiThreading; }
     bool MultiThreadingIsOn() const { return m_multiThreading; }
     void SetMultiThreading(bool on) { m_multiThreading = on; }
@@ -153,7 +155,8 @@ public:
 
     /// Releases all links and profiles. The entries of the table stay, without checksum, users and events,
     /// so that their room is lost: a table that has taken 1024 checksums stays full. Who waits for one of
-    /// them goes on, and registers anew.
+    /// them goes on, and registers anew. Registrations end with it: who was registered must not unregister
+    /// once somebody has registered anew for the same checksum, or it ends that one's registration.
     void RemoveMemCache();
 
     // ---- events ------------------------------------------------------------------------------------------
@@ -191,7 +194,8 @@ public:
     void RemoveFileCache();
     /// Deletes those among these files that are no profiles of this version: that cannot be opened, have no
     /// text tag, or whose text doesn't have the version of this library behind "Kalvor Version" and four
-    /// more characters. Raises nothing; without a profile module all count as such and go.
+    /// more characters. Raises nothing of what the module does; without a profile module all count as such
+    /// and go.
     void RemoveOldLinks();
 
     // ---- state -------------------------------------------------------------------------------------------

@@ -54,27 +54,41 @@ private:
 class Profile final : public Object<ITestProfile> {
 public:
     using Object::Object;
-    void Open(KV_FileSpec &file, int) override { m_data = dataOf(readFile(file)); }
-    void Save(KV_FileSpec &file, int) override { writeFile(file, bytesOf(m_data), m_failAt); }
+    void Open(KV_FileSpec &file, int mode) override {
+        m_mode = mode;
+        m_data = dataOf(readFile(file));
+    }
+    void Save(KV_FileSpec &file, int mode) override {
+        if (mode == 1) writeFile(file, bytesOf(m_data), m_failAt);
+    }
     std::uint32_t GetSize() override { return static_cast<std::uint32_t>(m_data.values.size()); }
     KV_ITextTag *GetTextTag(int index) override {
-        return index != 0 || m_data.text.empty() ? nullptr : new TextTag(m_module, m_data.text);
+        return index != 0 || m_mode != 0 || m_data.text.empty() ? nullptr
+                                                                : new TextTag(m_module, m_data.text);
     }
     bool Equal(KV_IProfile *other) override {
-        return bytesOf(m_data) == bytesOf(static_cast<Profile *>(other)->m_data);
+        const auto &second = *static_cast<Profile *>(other);
+        constexpr int kToCompare = 9;
+        if ((m_mode != kToCompare && m_mode != kNotOpened) ||
+            (second.m_mode != kToCompare && second.m_mode != kNotOpened))
+            throw KV_Exception("opened in another mode", KV_ERR_BAD_INPUT, true);
+        return bytesOf(m_data) == bytesOf(second.m_data);
     }
     TestProfileData &Data() override { return m_data; }
     void FailAt(std::size_t bytes) override { m_failAt = bytes; }
 
 private:
+    static constexpr int kNotOpened = -1;
     TestProfileData m_data;
+    int m_mode = kNotOpened;
     std::size_t m_failAt = std::numeric_limits<std::size_t>::max();
 };
 
 class Link final : public Object<ITestLink> {
 public:
     using Object::Object;
-    void CopyFrom(KV_ILinkCore *source, int, std::int32_t *scratch) override {
+    void CopyFrom(KV_ILinkCore *source, int mode, std::int32_t *scratch) override {
+        if (mode != 0 && mode != 1) throw KV_Exception("another mode", KV_ERR_BAD_INPUT, true);
         if (++*scratch != 1) throw KV_Exception("scratch is not 0", KV_ERR_BAD_INPUT, true);
         m_values = static_cast<Link *>(source)->m_values;
         m_id = source->GetId();
@@ -102,7 +116,9 @@ float slowly(float value, std::int32_t effort) {
 class Matcher final : public Object<ITestMatcher> {
 public:
     explicit Matcher(Module &module) : Object(module), m_profile(new Profile(module)) {}
-    void Setup(KV_LinkRequest *request, int, int, int) override {
+    void Setup(KV_LinkRequest *request, int first, int second, int third) override {
+        if (first != 1 || second != 0 || third != 0)
+            throw KV_Exception("another set-up", KV_ERR_BAD_INPUT, true);
         m_reference = request->contexts[0].profile;
         m_effort = request->setting2;
     }
