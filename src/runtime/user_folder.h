@@ -9,7 +9,8 @@ namespace kv::detail {
 KV_WString userFolderName();
 
 /// The same folder to be used: the marks of a read-only, hidden or system file are taken from the folder of
-/// application data, and what is missing of the path is made; where that fails, so will the use of the folder.
+/// application data, and what is missing of the path is made; where that fails, so will the use of the
+/// folder.
 KV_WString userFolder();
 
 }  // namespace kv::detail

@@ -259,6 +259,7 @@ TEST(CacherThreads, MayCallAllOperationsAtOnce) {
     cacher.SetCachingMethod(KV_CACHING_FILES);
     host.manager().SetCachingPath(host.cachingPath("links"));
     std::vector<std::thread> threads;
+    threads.reserve(8);
     for (int id = 0; id < 8; ++id)
         threads.emplace_back(work, id);
     for (std::thread &thread : threads)

@@ -8,6 +8,7 @@
 // limits, and the patches with their device values. So a report that came from one measurement serves as the
 // template of the next.
 
+#include <array>
 #include <cstdint>
 #include <iosfwd>
 
@@ -22,9 +23,9 @@
 /// them.
 class KV_ReportMetaData {
 public:
-    KV_WString texts[17];
+    std::array<KV_WString, 17> texts;
     std::uint16_t number = 0;
-    KV_WString furtherTexts[11];
+    std::array<KV_WString, 11> furtherTexts;
 };
 
 /// A report, and its reader. One thread at a time.

@@ -58,6 +58,8 @@ void readWeight(const KalSAX::AttributeList &attributes, const char *name, float
 
 KV_ColorReport::~KV_ColorReport() = default;
 
+// The base has nothing to copy.
+// NOLINTNEXTLINE(readability-redundant-member-init): GCC asks for it
 KV_ColorReport::KV_ColorReport(const KV_ColorReport &other) : XMLSchemaHandler() { *this = other; }
 
 KV_ColorReport &KV_ColorReport::operator=(const KV_ColorReport &other) {

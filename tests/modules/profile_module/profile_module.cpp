@@ -160,6 +160,7 @@ private:
 
 }  // namespace
 
+// Paths go by value in the interface. NOLINTBEGIN(performance-unnecessary-value-param)
 extern "C" {
 
 KV_MODULE_EXPORT void *KV_Init(KV_COMManager *manager, KV_DictPath id) { return new Module{manager, id}; }
@@ -180,3 +181,4 @@ KV_MODULE_EXPORT void *KV_CreateObject(void *context, KV_DictPath subId, const c
 
 KV_MODULE_EXPORT void KV_Exit(void *context) { delete static_cast<Module *>(context); }
 }
+// NOLINTEND(performance-unnecessary-value-param)
