@@ -22,7 +22,9 @@ judge() {
 
 judge TR006 --fail-above A
 judge FOGRA40L
-if judge FOGRA40L --fail-above C >"$out/failing.txt" 2>&1; then
-    echo "run.sh: a printing that is out of tolerance was let pass" >&2
+code=0
+judge FOGRA40L --fail-above C >"$out/failing.txt" 2>&1 || code=$?
+if [ "$code" != 3 ]; then
+    echo "run.sh: a printing that is out of tolerance ended with code $code instead of 3" >&2
     exit 1
 fi

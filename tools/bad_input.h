@@ -13,4 +13,10 @@ public:
     BadInput(const std::string &file, const std::string &what) : std::runtime_error(file + ": " + what) {}
 };
 
+/// A result that is worse than what the user wants to let pass. Everything was done. Exit code 3.
+class NotPassed : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
 }  // namespace kvtool

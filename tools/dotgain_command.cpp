@@ -13,6 +13,7 @@
 #include "command.h"
 #include "file_replace.h"
 #include "measurement_table.h"
+#include "number_text.h"
 #include "svg_plot.h"
 
 namespace kvtool {
@@ -169,7 +170,7 @@ std::string drawing(const std::vector<Ramp> &ramps) {
 
 void dotgain(const Arguments &args) {
     const MeasurementTable table = readMeasurementTable(args.table, KV_CS_CMYK, PatchColor::Xyz);
-    if (!table.hasDevice)
+    if (!table.hasDevice())
         throw BadInput(args.table,
                        "has no columns CMYK_C, CMYK_M, CMYK_Y, CMYK_K: export device values, too");
     std::vector<Ramp> ramps;

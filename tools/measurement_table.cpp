@@ -89,15 +89,15 @@ public:
         if (lab.empty() && xyz.empty()) refuseWithoutColors(wanted);
         MeasurementTable made;
         made.file = m_file;
-        made.hasDevice = !device.empty() && device.size() <= kMostChannels;
+        made.channels = device.size() <= kMostChannels ? device.size() : 0;
         made.hasNames = name.has_value();
-        if (made.hasDevice) refuseOtherUnits(device);
+        if (made.hasDevice()) refuseOtherUnits(device);
         lab.empty() ? refuseOtherXyz(xyz) : refuseOtherLab(lab);
         for (std::size_t row = 0; row < m_text.rows.size(); ++row) {
             TablePatch &patch = made.patches.emplace_back();
             patch.line = m_text.rows[row].line;
             if (name) patch.name = m_text.rows[row].values[*name];
-            for (std::size_t i = 0; made.hasDevice && i < device.size(); ++i)
+            for (std::size_t i = 0; i < made.channels; ++i)
                 patch.device[i] = number(row, device[i]);
             for (std::size_t i = 0; i < lab.size(); ++i)
                 patch.lab[i] = number(row, lab[i]);

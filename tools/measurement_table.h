@@ -24,11 +24,12 @@ struct TablePatch {
 
 /// Patches of a target, measured or wanted.
 struct MeasurementTable {
-    std::string file;        ///< for messages
-    bool hasDevice = false;  ///< the table has device values
-    bool hasNames =
-        false;  ///< the table has SAMPLE_NAME or SAMPLE_ID; the former is the name, if there is one
+    std::string file;          ///< for messages
+    std::size_t channels = 0;  ///< device values of each patch; 0 when the table has none
+    bool hasNames = false;     ///< it has SAMPLE_NAME or SAMPLE_ID; the former is the name, if there is one
     std::vector<TablePatch> patches;  ///< one at least
+
+    bool hasDevice() const { return channels > 0; }
 };
 
 /// Which values of the patches are wanted. XYZ is worked out from Lab under D50 where a table has no XYZ.

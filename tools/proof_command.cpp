@@ -34,15 +34,19 @@ const std::map<std::string, PatchMatch> kMatches{
 void proof(const Arguments &args) {
     const ProofTemplate judgedBy = readTemplate(args.judgedBy, args.isRelative);
     const KV_ColorSpace space = judgedBy.comparison.stispace;
-    const Proof proof = evaluateProof(judgedBy.comparison, readMeasurementTable(args.reference, space),
-                                      readMeasurementTable(args.measured, space), args.match);
+    Proof proof = evaluateProof(judgedBy.comparison, readMeasurementTable(args.reference, space),
+                                readMeasurementTable(args.measured, space), args.match);
+    if (judgedBy.hasOther)
+        proof.notes.push_back(args.isRelative
+                                  ? "the side-by-side comparison of the template was not made"
+                                  : "the media-relative comparison of the template was not made, which "
+                                    "--media-relative takes");
     if (!args.report.empty()) writeReport(args.report, judgedBy, proof, args.isForced);
     if (!args.html.empty())
         replaceFile(args.html, proofPage(pageOf(judgedBy, proof, args.reference, args.measured)));
     std::cout << summaryOf(judgedBy, proof);
     if (!args.failAbove.empty() && proof.grade > args.failAbove[0])
-        throw BadInput(args.measured,
-                       std::string("grade ") + proof.grade + " is worse than " + args.failAbove);
+        throw NotPassed(args.measured + ": grade " + proof.grade + " is worse than " + args.failAbove);
 }
 
 std::string gradeOf(std::string text) {
@@ -71,7 +75,7 @@ void addProofCommand(CLI::App &app) {
         ->default_str("auto");
     command->add_flag("--media-relative", args->isRelative,
                       "take the media-relative comparison of the template");
-    command->add_option("--fail-above", args->failAbove, "exit with 1 when the grade is worse than this one")
+    command->add_option("--fail-above", args->failAbove, "exit with 3 when the grade is worse than this one")
         ->transform(gradeOf, "GRADE");
     command->add_flag("--force", args->isForced, "write a report that can't be read back, too");
     command->footer(

@@ -9,6 +9,7 @@
 
 #include "bad_input.h"
 #include "proof_matching.h"
+#include "utf8_text.h"
 
 namespace kvtool {
 namespace {
@@ -65,6 +66,11 @@ void makeRelative(std::vector<MatchedPatch> &patches, LabOf lab, const std::stri
     float white[3];
     std::array<float, 3> paperLab = (*paper).*lab;
     absolute.Lab2XYZ(paperLab.data(), white, 1);
+    if (*std::min_element(white, white + 3) < 1)
+        throw BadInput(file,
+                       "its patch without ink, \"" + visible(paper->name) +
+                           "\", is as dark as ink, and a media-relative comparison needs the paper; measure "
+                           "it again, or take a side-by-side template");
     const KV_CTCielab relative(white);
     for (MatchedPatch &patch : patches) {
         float xyz[3];
@@ -191,8 +197,6 @@ void noteLeftOut(Proof &proof, const MatchedPatches &matched, std::size_t unmeas
 
 Proof evaluateProof(const KV_ColorComparison &judgedBy, const MeasurementTable &reference,
                     const MeasurementTable &measured, PatchMatch match) {
-    if (ColorSpaceDimension(judgedBy.stispace, 0, 0, 1) > KV_ColorPatch::kChannels)
-        throw BadInput("template", "its colour space has more than 8 channels, which can't be told apart");
     MatchedPatches matched = matchPatches(reference, measured, match);
     if (judgedBy.intent == kMediaRelative) {
         makeRelative(matched.patches, &MatchedPatch::reference, reference.file);

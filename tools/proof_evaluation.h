@@ -60,7 +60,7 @@ struct Proof {
 /// both tables were brought to a white of their own paper. Patches that only the template, the reference or
 /// the measurement has are left out and noted. Throws BadInput, with what to do, when the tables don't fit:
 /// nothing matches, samples of one name differ in their device values, what is to be matched by is missing,
-/// or the template's space has more than 8 channels.
+/// or a paper is too dark for one. The template's space has 1 to 8 channels, which readTemplate sees to.
 Proof evaluateProof(const KV_ColorComparison &judgedBy, const MeasurementTable &reference,
                     const MeasurementTable &measured, PatchMatch match);
 

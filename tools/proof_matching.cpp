@@ -5,15 +5,17 @@
 #include <map>
 
 #include "bad_input.h"
+#include "number_text.h"
 #include "utf8_text.h"
 
 namespace kvtool {
 namespace {
 
-std::string deviceText(const TablePatch &patch) {
+/// The device values of a patch as its key has them.
+std::string deviceText(const MeasurementTable &table, const TablePatch &patch) {
     std::string text;
-    for (const float value : patch.device)
-        text += (text.empty() ? "" : " ") + std::to_string(std::lround(value * 100) / 100);
+    for (std::size_t i = 0; i < table.channels; ++i)
+        text += (i == 0 ? "" : " ") + hundredths(patch.device[i]);
     return text;
 }
 
@@ -66,28 +68,28 @@ MatchedPatches matchBy(const MeasurementTable &reference, const MeasurementTable
     MatchedPatches made;
     for (const TablePatch &patch : measured.patches)
         if (const TablePatch *const found = references.take(keyOf(patch)))
-            made.patches.push_back(pairOf(*found, patch, measured.hasDevice));
+            made.patches.push_back(pairOf(*found, patch, measured.hasDevice()));
     made.onlyReference = references.untaken();
     made.onlyMeasured = measured.patches.size() - made.patches.size();
     return made;
 }
 
 void needDevice(const MeasurementTable &table) {
-    if (!table.hasDevice)
+    if (!table.hasDevice())
         throw BadInput(table.file,
                        "has no columns of the template's device values: export the table with them, or "
-                       "match by sample name");
+                       "match by sample name (--match name)");
 }
 void needNames(const MeasurementTable &table) {
     if (!table.hasNames)
         throw BadInput(table.file,
                        "has no SAMPLE_NAME or SAMPLE_ID: export the table with names, or match by device "
-                       "values");
+                       "values (--match device)");
 }
 
 /// Samples of one name have to be the same patch.
 void refuseOtherLayout(const MeasurementTable &reference, const MeasurementTable &measured) {
-    if (!reference.hasDevice || !measured.hasDevice) return;
+    if (!reference.hasDevice() || !measured.hasDevice()) return;
     References<std::string> references;
     for (const TablePatch &patch : reference.patches)
         references.add(patch.name, patch);
@@ -97,7 +99,8 @@ void refuseOtherLayout(const MeasurementTable &reference, const MeasurementTable
         throw BadInput(measured.file, "line " + std::to_string(patch.line) + ": sample \"" +
                                           visible(patch.name) + "\" has other device values than on line " +
                                           std::to_string(found->line) + " of " + reference.file +
-                                          ": the targets are laid out differently; match by device values");
+                                          ": the targets are laid out differently; match by device values "
+                                          "(--match device)");
     }
 }
 
@@ -121,7 +124,8 @@ std::array<float, kMostChannels> deviceOf(const DeviceKey &key) {
 MatchedPatches matchPatches(const MeasurementTable &reference, const MeasurementTable &measured,
                             PatchMatch match) {
     if (match == PatchMatch::Automatic)
-        match = reference.hasDevice && measured.hasDevice ? PatchMatch::DeviceValues : PatchMatch::SampleName;
+        match =
+            reference.hasDevice() && measured.hasDevice() ? PatchMatch::DeviceValues : PatchMatch::SampleName;
     MatchedPatches made;
     if (match == PatchMatch::DeviceValues) {
         needDevice(reference);
@@ -129,7 +133,7 @@ MatchedPatches matchPatches(const MeasurementTable &reference, const Measurement
         made = matchBy(reference, measured,
                        [](const TablePatch &patch) { return deviceKey(patch.device.data()); });
     } else {
-        if (!reference.hasDevice) needDevice(measured);
+        if (!reference.hasDevice()) needDevice(measured);
         needNames(reference);
         needNames(measured);
         refuseOtherLayout(reference, measured);
@@ -142,10 +146,10 @@ MatchedPatches matchPatches(const MeasurementTable &reference, const Measurement
         measured.file,
         "no patch is in " + reference.file + ", matched by " +
             (byName ? "sample name: the first ones are \"" + visible(first.name) + "\" here and \"" +
-                          visible(other.name) + "\" there; match by device values"
-                    : "device values: the first ones are " + deviceText(first) + " here and " +
-                          deviceText(other) + " there; compare tables of the same target") +
-            (byName ? "" : ", or match by sample name"));
+                          visible(other.name) + "\" there; match by device values (--match device)"
+                    : "device values: the first ones are " + deviceText(measured, first) + " here and " +
+                          deviceText(reference, other) + " there; compare tables of the same target") +
+            (byName ? "" : ", or match by sample name (--match name)"));
 }
 
 }  // namespace kvtool

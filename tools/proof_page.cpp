@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "display_color.h"
+#include "number_text.h"
 #include "proof_plots.h"
 #include "svg_plot.h"
 

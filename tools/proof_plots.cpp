@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "display_color.h"
+#include "number_text.h"
 #include "svg_plot.h"
 
 namespace kvtool {
@@ -49,7 +50,7 @@ void addLimits(SvgPlot &plot, const std::vector<PageCheck> &limits) {
         const bool isRight = x > (plot.x().from + plot.x().to) / 2;
         plot.add(std::string("<text class=\"limit-name\" text-anchor=\"") + (isRight ? "end" : "start") +
                  "\" x=\"" + fixed(isRight ? x - 4 : x + 4, 1) + "\" y=\"" + fixed(y, 1) + "\">" +
-                 escaped(check.name) + " \xE2\x89\xA4 " + fixed(check.limits[0], 1) + "</text>\n");
+                 escaped(check.name) + " \xE2\x89\xA4 " + hundredths(check.limits[0]) + "</text>\n");
         y += 13;
     }
 }
@@ -113,7 +114,7 @@ std::string histogram(const std::vector<PagePatch> &patches, const std::vector<P
     const double width = (x.ticks[1] - x.ticks[0]) / 5;
     std::vector<int> counts((x.ticks.size() - 1) * 5 + 1);
     for (const PagePatch &patch : patches)
-        ++counts[static_cast<std::size_t>(patch.difference / width + 1e-4)];
+        ++counts[std::min(static_cast<std::size_t>(patch.difference / width + 1e-4), counts.size() - 1)];
     const int most = *std::max_element(counts.begin(), counts.end());
     SvgPlot plot(560, 260, "How many patches have which difference", x,
                  {roundTicks(0, most, 4), 216, 24, "patches"});

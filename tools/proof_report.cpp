@@ -5,10 +5,12 @@
 #include <algorithm>
 #include <sstream>
 #include <string_view>
+#include <vector>
 
 #include "bad_input.h"
 #include "file_replace.h"
-#include "svg_plot.h"
+#include "number_text.h"
+#include "utf8_text.h"
 
 namespace kvtool {
 namespace {
@@ -21,30 +23,17 @@ std::string formulaOf(const KV_ColorComparison &comparison) {
     return kFormulas[number < std::size(kFormulas) ? number : 0];
 }
 
-std::string titleOf(const ProofGroup &group) {
-    return group.name == kAllPatches ? "All patches" : group.name;
+/// A text of a file as it may be shown, on one line.
+std::string shown(const std::string &text) {
+    std::string line = visible(text);
+    std::replace_if(
+        line.begin(), line.end(), [](char c) { return c == '\n' || c == '\t'; }, ' ');
+    return line;
 }
+std::string shown(const KV_WString &text) { return shown(UnicodeUtils::CreateStdStringFromWideString(text)); }
 
-/// Keeps the words with which the parser refuses a document.
-class ReadReport : public KV_ColorReport {
-public:
-    void FatalError(const KV_String &message) override { reason = message.Ptr(); }
-    std::string reason;
-};
-
-/// All quantities that a comparison has limits for.
-std::vector<const KV_ColorTol *> limitedBy(const KV_ColorComparison &comparison) {
-    std::vector<const KV_ColorTol *> limited;
-    const auto add = [&limited](const KV_ColorCheck &check) {
-        for (const KV_ColorTol *tol : {&check.dE, &check.dC, &check.dH, &check.dL, &check.da, &check.db})
-            if (!tol->tolerances.empty()) limited.push_back(tol);
-    };
-    for (const KV_ColorStat &stat : comparison.stats)
-        for (const KV_ColorCheck *check : {&stat.av, &stat.max, &stat.gam, &stat.p95})
-            add(*check);
-    for (const KV_ColorPatch &patch : comparison.patches)
-        add(patch.check);
-    return limited;
+std::string titleOf(const ProofGroup &group) {
+    return group.name == kAllPatches ? "All patches" : shown(group.name);
 }
 
 /// "mean", or "mean dH" for other quantities than the colour difference.
@@ -53,61 +42,72 @@ std::string nameOf(const ProofFigure &figure) {
     return std::string(figure.statistic) + (isPlain ? "" : std::string(" ") + figure.quantity);
 }
 
+/// The text and at least one blank, so that the next column begins at width where it can.
 std::string padded(std::string text, std::size_t width) {
-    if (text.size() < width) text.append(width - text.size(), ' ');
+    const auto characters = static_cast<std::size_t>(std::count_if(
+        text.begin(), text.end(), [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; }));
+    text.append(characters < width ? width - characters : 1, ' ');
     return text;
 }
 
 std::string textOf(const ProofFigure &figure) {
-    std::string text = fixed(figure.value, 1);
-    if (!figure.limits.empty()) text += " of " + fixed(figure.limits[0], 1) + "  " + figure.grade;
+    std::string text = hundredths(figure.value);
+    if (!figure.limits.empty()) text += " of " + hundredths(figure.limits[0]) + "  " + figure.grade;
     return text;
+}
+
+KV_ColorReport reportOf(const ProofTemplate &judgedBy, const Proof &proof) {
+    KV_ColorReport report;
+    report.standard = judgedBy.standard;
+    report.basedOn = judgedBy.basedOn;
+    const bool isRelative = proof.comparison.intent == 1;
+    (isRelative ? report.hasRel : report.hasAbs) = true;
+    (isRelative ? report.compareRel : report.compareAbs) = proof.comparison;
+    return report;
+}
+
+/// All texts of a report in their order.
+std::vector<std::string> textsOf(const KV_ColorReport &report) {
+    std::vector<std::string> texts{UnicodeUtils::CreateStdStringFromWideString(report.standard),
+                                   UnicodeUtils::CreateStdStringFromWideString(report.basedOn)};
+    for (const KV_ColorComparison *comparison : {&report.compareAbs, &report.compareRel}) {
+        for (const KV_ColorStat &stat : comparison->stats)
+            texts.push_back(stat.name);
+        for (const KV_ColorPatch &patch : comparison->patches)
+            texts.insert(texts.end(), {patch.name, patch.group});
+    }
+    return texts;
+}
+
+/// Refuses texts that a report, which holds them as they are, would not give back.
+void refuseLostTexts(const std::string &file, const KV_ColorReport &report, const std::string &bytes) {
+    const std::vector<std::string> texts = textsOf(report);
+    const auto foreign = std::find_if_not(texts.begin(), texts.end(), isUtf8);
+    if (foreign != texts.end())
+        throw BadInput(file, "the report could not be read back: \"" + shown(*foreign) +
+                                 "\" is no UTF-8; convert the table to UTF-8, or use --force");
+    ReadReport back;
+    if (back.read(bytes) && textsOf(back) == texts) return;
+    throw BadInput(file, "the report could not be read back as it is" +
+                             (back.reason.empty() ? "" : " (" + back.reason + ')') +
+                             ", for reports hold names as they are: take &, <, quotes and control "
+                             "characters out of them, or use --force");
 }
 
 }  // namespace
 
-ProofTemplate readTemplate(const std::string &file, bool relative) {
-    std::string bytes = readBytes(file);
-    ReadReport report;
-    ExpatXMLParser parser;
-    if (!report.ParseBuffer(&parser, bytes.data(), static_cast<std::uint32_t>(bytes.size())))
-        throw BadInput(file, "is no colour report: " + report.reason);
-    if (!report.hasAbs && !report.hasRel) throw BadInput(file, "is no colour report: it holds no comparison");
-    const bool isRelative = report.hasRel && (relative || !report.hasAbs);
-    ProofTemplate made{isRelative ? report.compareRel : report.compareAbs,
-                       std::string(KV_NativePath(report.standard))};
-    const std::vector<const KV_ColorTol *> limited = limitedBy(made.comparison);
-    if (limited.empty())
-        throw BadInput(
-            file, "has no limits to judge by: give its colorstat elements dETol_av, dETol_max or dETol_p95");
-    if (!std::all_of(limited.begin(), limited.end(), [](const KV_ColorTol *tol) { return tol->step > 0; }))
-        throw BadInput(file, "has limits whose rounding step, behind the colon, is not above 0");
-    return made;
-}
-
 void writeReport(const std::string &file, const ProofTemplate &judgedBy, const Proof &proof, bool isForced) {
-    KV_ColorReport report;
-    report.standard = KV_WString(judgedBy.standard.begin(), judgedBy.standard.end());
-    report.basedOn = report.standard;
-    const bool isRelative = proof.comparison.intent == 1;
-    (isRelative ? report.hasRel : report.hasAbs) = true;
-    (isRelative ? report.compareRel : report.compareAbs) = proof.comparison;
+    KV_ColorReport report = reportOf(judgedBy, proof);
     std::ostringstream stream;
     stream << report;
-    std::string bytes = stream.str();
-    ReadReport back;
-    ExpatXMLParser parser;
-    if (!isForced && !back.ParseBuffer(&parser, bytes.data(), static_cast<std::uint32_t>(bytes.size())))
-        throw BadInput(file,
-                       "the report could not be read back (" + back.reason +
-                           "), for reports hold names as they are: take out &, < and quotes, or use --force");
-    replaceFile(file, bytes);
+    if (!isForced) refuseLostTexts(file, report, stream.str());
+    replaceFile(file, stream.str());
 }
 
 std::string summaryOf(const ProofTemplate &judgedBy, const Proof &proof) {
     std::string text = std::string("Grade ") + proof.grade + ": " + verdict(proof.grade) + "\n" +
                        std::to_string(proof.samples.size()) + " patches, " + formulaOf(proof.comparison) +
-                       (judgedBy.standard.empty() ? "" : ", limits of " + judgedBy.standard) + "\n\n";
+                       (judgedBy.standard.empty() ? "" : ", limits of " + shown(judgedBy.standard)) + "\n\n";
     constexpr std::size_t kName = 24, kFigure = 17;
     text += padded("Group", kName) + padded("Patches", 9) + padded("Mean", kFigure) +
             padded("Maximum", kFigure) + padded("95th percentile", kFigure) + "Grade\n";
@@ -125,23 +125,23 @@ std::string summaryOf(const ProofTemplate &judgedBy, const Proof &proof) {
     text += "\nWorst patches\n";
     for (const std::size_t at : proof.worst) {
         const KV_ColorPatch &patch = proof.samples[at].patch;
-        text += "  " + padded(fixed(patch.check.dE.diff, 1), 6) + patch.check.grade + "  " +
-                proof.samples[at].name + " (" + patch.group + ")\n";
+        text += "  " + padded(hundredths(patch.check.dE.diff), 6) + patch.check.grade + "  " +
+                shown(proof.samples[at].name) + " (" + shown(patch.group) + ")\n";
     }
     for (const std::string &note : proof.notes)
-        text += "Note: " + note + '\n';
+        text += "Note: " + shown(note) + '\n';
     return text;
 }
 
 ProofPage pageOf(const ProofTemplate &judgedBy, const Proof &proof, const std::string &reference,
                  const std::string &measured) {
     ProofPage page;
-    page.title = "Proof of " + utf8FromPath(pathFromUtf8(measured).filename());
-    page.standard = judgedBy.standard;
+    page.title = "Proof of " + shown(utf8FromPath(pathFromUtf8(measured).filename()));
+    page.standard = shown(judgedBy.standard);
     page.formula = formulaOf(proof.comparison);
-    page.sources = {{"Reference", reference}, {"Measured", measured}};
+    page.sources = {{"Reference", shown(reference)}, {"Measured", shown(measured)}};
     for (const std::string &note : proof.notes)
-        page.sources.push_back({"Note", note});
+        page.sources.push_back({"Note", shown(note)});
     page.grade = proof.grade;
     for (const ProofGroup &group : proof.groups) {
         PageGroup &shown = page.groups.emplace_back();
@@ -158,8 +158,8 @@ ProofPage pageOf(const ProofTemplate &judgedBy, const Proof &proof, const std::s
     }
     for (const ProofSample &sample : proof.samples) {
         const KV_ColorPatch &patch = sample.patch;
-        page.patches.push_back({sample.name,
-                                patch.group,
+        page.patches.push_back({shown(sample.name),
+                                shown(patch.group),
                                 {patch.ref[0], patch.ref[1], patch.ref[2]},
                                 {patch.meas[0], patch.meas[1], patch.meas[2]},
                                 patch.check.dE.diff,

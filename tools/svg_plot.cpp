@@ -1,20 +1,13 @@
 #include "svg_plot.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cmath>
 #include <iterator>
 #include <utility>
 
-namespace kvtool {
+#include "number_text.h"
 
-std::string fixed(double number, int digits) {
-    char text[400];
-    const auto [end, error] = std::to_chars(text, std::end(text), number, std::chars_format::fixed, digits);
-    const std::string_view whole(text, static_cast<std::size_t>(end - text));
-    const bool isZero = whole.find_first_not_of("-0.") == std::string_view::npos;
-    return std::string(isZero && whole.front() == '-' ? whole.substr(1) : whole);
-}
+namespace kvtool {
 
 std::string escaped(std::string_view text) {
     std::string safe;
@@ -40,6 +33,7 @@ std::string escaped(std::string_view text) {
 }
 
 std::vector<double> roundTicks(double first, double last, int count) {
+    if (!std::isfinite(first) || !std::isfinite(last)) first = last = 0;
     if (first > last) std::swap(first, last);
     if (first == last) last = first + 1;
     const double raw = (last - first) / count;

@@ -6,14 +6,11 @@
 
 namespace kvtool {
 
-/// A number with so many digits after a decimal point, whatever the locale; never "-0".
-std::string fixed(double number, int digits);
-
 /// The text as HTML and SVG take it between tags and in quoted attributes.
 std::string escaped(std::string_view text);
 
 /// Round values, 1, 2 or 5 times a power of ten apart, about count of them, that enclose first to last. first
-/// above last counts as the other way round, and equal ones as a span of 1.
+/// above last counts as the other way round, equal ones as a span of 1, and not finite ones as 0 to 1.
 std::vector<double> roundTicks(double first, double last, int count);
 
 /// An axis of a plot: where a value lies.

@@ -83,11 +83,19 @@ private:
 
 ExpatXMLParser::~ExpatXMLParser() = default;
 
+bool ExpatXMLParser::isBusy() {
+    if (m_parser == nullptr) return false;
+    m_errorHandler->FatalError("the parser is reading another document");
+    return true;
+}
+
 bool ExpatXMLParser::Parse(char *buffer, std::uint32_t length) {
+    if (isBusy()) return false;
     return Session(*this).feed(buffer, length, true);
 }
 
 bool ExpatXMLParser::Parse(const KV_FileSpec &file, bool encrypted) {
+    if (isBusy()) return false;
     KV_FStream stream(file);
     if (!stream.Open(encrypted ? "rb" : "r", false)) return false;
     Session session(*this);

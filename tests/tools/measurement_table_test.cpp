@@ -61,7 +61,7 @@ TEST(MeasurementTable, ReadsWhatExportersWrite) {
     for (const std::string &text : variants) {
         const MeasurementTable read = measurementTableOf("t.txt", text, KV_CS_CMYK);
         ASSERT_EQ(read.patches.size(), 2U) << text;
-        EXPECT_TRUE(read.hasDevice && read.hasNames);
+        EXPECT_TRUE(read.hasDevice() && read.hasNames);
         EXPECT_EQ(read.patches[0].name, "A1");
         EXPECT_EQ(read.patches[0].lab, (std::array<float, 3>{95.01F, .5F, -2}));
         EXPECT_EQ(read.patches[1].name, "two words");
@@ -72,7 +72,7 @@ TEST(MeasurementTable, ReadsWhatExportersWrite) {
     for (const char c : variants[0])
         crlf += c == '\n' ? std::string("\r\n") : std::string(1, c);
     EXPECT_EQ(measurementTableOf("t.txt", crlf, KV_CS_CMYK).patches[1].line, 9U);
-    EXPECT_FALSE(measurementTableOf("t.txt", variants[0], KV_CS_RGB).hasDevice);
+    EXPECT_FALSE(measurementTableOf("t.txt", variants[0], KV_CS_RGB).hasDevice());
 }
 
 struct BadTable {

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "bad_input.h"
+#include "proof_template.h"
 
 namespace {
 
@@ -37,7 +38,8 @@ KV_ColorComparison judge(const std::vector<const char *> &groups, float limit = 
 MeasurementTable ramp(const char *file, bool isMeasured) {
     MeasurementTable table;
     table.file = file;
-    table.hasDevice = table.hasNames = true;
+    table.channels = 4;
+    table.hasNames = true;
     for (int i = 0; i <= 10; ++i) {
         kvtool::TablePatch patch;
         patch.name = "S" + std::to_string(i);
@@ -175,7 +177,7 @@ TEST(Proof, SaysWhyTablesDontFit) {
     MeasurementTable shuffled = ramp("m.txt", true), noDevice = shuffled, noNames = shuffled,
                      others = shuffled;
     std::swap(shuffled.patches[2].device, shuffled.patches[3].device);
-    noDevice.hasDevice = false;
+    noDevice.channels = 0;
     noNames.hasNames = false;
     for (auto &patch : others.patches) {
         patch.name += "x";
@@ -193,7 +195,7 @@ TEST(Proof, SaysWhyTablesDontFit) {
         {noDevice, PatchMatch::Automatic, ""},
         {noNames, PatchMatch::SampleName, "match by device values"},
         {others, PatchMatch::DeviceValues,
-         "no patch is in r.txt, matched by device values: the first ones are 50 0 0 0"},
+         "no patch is in r.txt, matched by device values: the first ones are 50.0 0.0 0.0 0.0 here"},
         {others, PatchMatch::SampleName, "\"S0x\" here and \"S0\" there"},
     };
     for (const auto &c : cases) {
@@ -201,9 +203,44 @@ TEST(Proof, SaysWhyTablesDontFit) {
         EXPECT_NE(why.find(c.why), std::string::npos) << why;
         EXPECT_EQ(why.empty(), *c.why == 0) << why;
     }
-    KV_ColorComparison wide = judge({"CtrlStrip"});
-    wide.stispace = KV_CS_CMYKOGBRV;
-    EXPECT_THROW(evaluateProof(wide, reference, reference, PatchMatch::Automatic), BadInput);
+}
+
+TEST(Proof, RefusesTemplatesThatCantJudge) {
+    const std::string good =
+        "<colorreport standard='S &#228;'><colorcomparison stispace='CMYK' colordifference='deltaEcmc' "
+        "kL='2.00' kC='1.00' intent='side-by-side'><colorstat name='CtrlStrip' dETol_av='2 3 : 0.1'/>"
+        "<colorpatch name='P' stim='0 0 0 0'/></colorcomparison></colorreport>";
+    const auto changed = [&good](const std::string &from, const std::string &to) {
+        return std::string(good).replace(good.find(from), from.size(), to);
+    };
+    const auto read = kvtool::templateOf("t.xml", good, false);
+    EXPECT_TRUE(read.standard == KV_W("S \u00E4") && read.basedOn == read.standard);
+    EXPECT_THROW(kvtool::templateOf("t.xml", good, true), BadInput);
+    EXPECT_EQ(kvtool::templateOf("t.xml", changed("side-by-side", "media-relative"), false).comparison.intent,
+              1);
+    const char *const cases[][3] = {
+        {"</colorreport>", "", "no element found"},
+        {"<colorcomparison ", "<c ", ""},
+        {"dETol_av", "dLTol_av", "no limits"},
+        {"2 3", "2 1e999", "not from 0 to 1000"},
+        {"2 3", "-2 3", "not from 0 to 1000"},
+
+        {": 0.1", ": 0", "rounding step"},
+        {": 0.1", ": 1e999", "rounding step"},
+        {"'2.00'", "'0'", "weight"},
+        {"'2.00'", "'1e-30'", "weight"},
+        {"0 0 0 0", "0 0 0 101", "\"P\""},
+        {"0 0 0 0", "0 -1 0 0", "\"P\""},
+        {"CMYK", "CMYKOGBRV", "9 device values"},
+        {"CMYK", "Nothing", "0 device values"},
+    };
+    for (const auto &[from, to, why] : cases)
+        try {
+            ADD_FAILURE() << to
+                          << kvtool::templateOf("t.xml", changed(from, to), false).comparison.stats.size();
+        } catch (const BadInput &bad) {
+            EXPECT_NE(std::string(bad.what()).find(why), std::string::npos) << bad.what();
+        }
 }
 
 }  // namespace

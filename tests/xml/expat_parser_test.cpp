@@ -119,7 +119,7 @@ TEST(ExpatParser, TakesHostileDocuments) {
     Events nested, wide;
     EXPECT_TRUE(parseText(nested, nested, repeated(100'000, "<a>") + repeated(100'000, "</a>")));
     EXPECT_EQ(nested.text, repeated(100'000, "<a") + std::string(100'000, '>'));
-    const std::string value(10'000'000, 'v');
+    const std::string value = repeated(10'000'000, "v");
     EXPECT_TRUE(parseText(wide, wide, "<a x='" + value + "'/>"));
     EXPECT_EQ(wide.text, "<a " + value + ">");
 }

@@ -149,8 +149,7 @@ public:
     /// ClearDiffs comes between two rounds.
     ///
     /// dEList  differences of the patches, which are sorted, not-a-numbers last. The one list serves all
-    /// stats:
-    ///         the percentile of a stat of n patches is that of the list's n smallest. When it is
+    ///         stats: the percentile of a stat of n patches is that of the list's n smallest. When it is
     ///         shorter than n, the percentile is that of the whole list, and 0 when it is empty.
     void CalcStats(std::vector<float> &dEList);
 

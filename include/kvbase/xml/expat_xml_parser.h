@@ -38,8 +38,10 @@ private:
 /// limits what the expansion of entities may come to.
 ///
 /// Both handlers have to be set before Parse. An object may parse any number of documents, one after the
-/// other; one thread at a time. What a handler raises passes through Parse, once Expat has gone on to the end
-/// of what it has at hand (without events), and everything is released.
+/// other; one thread at a time. A Parse that a handler calls while its own document is being read is false,
+/// and FatalError is told so: documents within documents take a parser each. What a handler raises passes
+/// through Parse, once Expat has gone on to the end of what it has at hand (without events), and everything
+/// is released.
 class KV_EXPORT ExpatXMLParser : public KalSAX::Parser {
 public:
     ExpatXMLParser() = default;
@@ -52,11 +54,13 @@ public:
 
     /// Reads a document of length bytes in memory, which are only read. When it is not well-formed, the error
     /// handler's FatalError gets Expat's text, " at line " and the line, and the result is false. What was
-    /// read before has caused its events. When Expat runs out of memory
-    /// that is its text, too; std::bad_alloc is thrown when there is none to begin with.
+    /// read before has caused its events. When Expat runs out of memory that is its text, too; std::bad_alloc
+    /// is thrown when there is none to begin with.
     bool Parse(char *buffer, std::uint32_t length) override;
     /// The same for a file, in blocks of 512 bytes. False, without a word to the error handler, when it can't
-    /// be opened. encrypted  whether the file is enciphered (KV_FStream::WriteEncrypted)
+    /// be opened.
+    ///
+    /// encrypted  whether the file is enciphered (KV_FStream::WriteEncrypted)
     bool Parse(const KV_FileSpec &file, bool encrypted) override;
 
     /// Empty: nothing fills them.
@@ -82,6 +86,7 @@ private:
     public:
         void take(const char *text, std::uint32_t length) { assignCopy(length, text); }
     };
+    bool isBusy();
     template <class Event>
     static void guarded(void *user, const Event &event);
 
