@@ -39,6 +39,13 @@ int pieceOf(const char *text, int length) {
     return size;
 }
 
+/// Names are short, and most differ at once: a call would cost more than the comparison.
+bool isSame(const char *one, const char *other) {
+    for (; *one == *other; ++one, ++other)
+        if (*one == 0) return true;
+    return false;
+}
+
 }  // namespace
 
 /// Expat at work for one document.
@@ -169,10 +176,10 @@ KV_String ExpatXMLAttributeList::GetType(const char * /*name*/) const { return "
 KV_String ExpatXMLAttributeList::GetValue(const char *name) const {
     if (m_attributes == nullptr) return {};
     for (const char **pair = m_attributes; *pair != nullptr; pair += 2)
-        if (**pair == *name && std::strcmp(*pair, name) == 0)
-            return pair[1];  // most differ in the first byte
+        if (isSame(*pair, name)) return pair[1];
     return {};
 }
+
 
 KV_String ExpatXMLAttributeList::GetValue(int index) const {
     if (index < 0 || index >= m_count) return {};

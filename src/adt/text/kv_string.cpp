@@ -49,8 +49,12 @@ KV_String::KV_String(const KV_SubString &range) : KV_Str(static_cast<const KV_Su
 
 KV_String::KV_String(const char *s) {
     s = orEmpty(s);
-    allocBuffer(toLength(std::strlen(s)));
-    std::memcpy(m_data, s, m_length);
+    const std::uint32_t length = toLength(std::strlen(s)), capacity = capacityFor(length);
+    m_data =
+        static_cast<char *>(::operator new (std::size_t{capacity} + 1));  // as newBuffer, without the call
+    m_length = length;
+    m_capacity = capacity;
+    std::memcpy(m_data, s, std::size_t{length} + 1);
 }
 
 KV_String::KV_String(const char *s, std::uint32_t n) {
