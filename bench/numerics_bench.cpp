@@ -104,6 +104,20 @@ void mapOn(benchmark::State &state) {
         benchmark::DoNotOptimize(q);
     }
 }
+
+// Weights of all signs.
+void BM_MapOnTetrahedron(benchmark::State &state) {
+    std::mt19937 random(3);
+    const Matrix t = randomMatrix(random, 4 * 3), weights = randomMatrix(random, 4 * kSystems);
+    double w[4];
+    std::size_t next = 0;
+    for (auto _ : state) {
+        std::copy_n(weights.data() + 4 * (next++ % kSystems), 4, w);
+        MapOnTetrahedron(w, t.data());
+        benchmark::DoNotOptimize(w);
+    }
+}
+BENCHMARK(BM_MapOnTetrahedron)->Name("MapOnTetrahedron");
 BENCHMARK(mapOn<MapOnLine3D, 2>)->Name("MapOnLine3D");
 BENCHMARK(mapOn<MapOnTriangle3D, 3>)->Name("MapOnTriangle3D");
 BENCHMARK(mapOn<MapOnTrianglePlane3D, 3>)->Name("MapOnTrianglePlane3D");

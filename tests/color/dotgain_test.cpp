@@ -82,7 +82,11 @@ Ramp rampOf(const Patches &patches, std::size_t ink) {
 TEST(Dotgain, HasTheBitsOfThePlainSearch) {
     Ramp limited = rampOf(kEleven, hump, {1, 0.9F, -3});
     limited.limit = 0.7F;
+    std::vector<float> many(70);
+    for (std::size_t i = 0; i < many.size(); ++i)
+        many[i] = static_cast<float>(i) / 69;
     const Ramp ramps[] = {
+        rampOf(many, hump, {1, 0.8F, 1.3F}),
         rampOf(kEleven, hump, {1, 0.8F, 1.3F}),
         rampOf(kEleven, dip, {0.5F, 1, -4}, 1),
         rampOf({0, 0.3F, 1}, hump, {1, 1, 1}),

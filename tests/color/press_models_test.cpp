@@ -53,7 +53,7 @@ TEST(PressInks, OverlapsComeFromPairs) {
     for (std::uint32_t set = 0; set < overlaps.size(); ++set)
         for (std::size_t i = 0; i < kInks && std::popcount(set) <= 2; ++i) {
             overlaps[set][i] = draw(random);
-            weights[set] = set >= 32 ? 1e-6F : draw(random);
+            weights[set] = set >= 32 ? 9e-6F : draw(random);
         }
     const auto given = overlaps;
     const auto givenWeights = weights;
@@ -83,16 +83,31 @@ TEST(PressInks, OverlapsComeFromPairs) {
     CalculateFurtherOverlaps(3, few, fewWeights);  // one weight is missing
     CalculateFurtherOverlaps(2, few, fewWeights);
     EXPECT_EQ(few[7][0], 5);
+    fewWeights.assign(8, 1.1e-5F);
+    CalculateFurtherOverlaps(3, few, fewWeights);
+    EXPECT_FLOAT_EQ(fewWeights[7], 1.1e-5F) << "large enough to count";
 }
 
 TEST(HueCorrection, StandardTableGoesThroughItsRows) {
     const KV_HueCorrection &standard = KV_StandardHueCorrection();
     ASSERT_EQ(standard.GetTable().size(), 720U);
+    const auto evenly = [](float first, float step, std::size_t count) {
+        std::vector<float> nodes(count);
+        for (std::size_t i = 0; i < count; ++i)
+            nodes[i] = first + static_cast<float>(i) * step;
+        return nodes;
+    };
+    EXPECT_EQ(standard.GetLightnessNodes(), evenly(10, 10, 9));
+    EXPECT_EQ(standard.GetChromaNodes(), evenly(10, 10, 10));
+    EXPECT_EQ(standard.GetHueNodes(), evenly(-153, 45, 8));
     const float rows[2][8] = {{-181.49F, -129.97F, -80.61F, -37.55F, -10.23F, 32.09F, 86.81F, 142.68F},
                               {-184.79F, -141.19F, -83.56F, -34.91F, 10.42F, 54.19F, 90.77F, 128.97F}};
     for (std::size_t h = 0; h < 8; ++h) {
         EXPECT_EQ(standard.GetTable()[h], rows[0][h]);
         EXPECT_EQ(standard.GetTable()[(4 * 10 + 4) * 8 + h], rows[1][h]);
+        // Halfway between them on the one axis, and on the other.
+        EXPECT_NEAR(standard.GetTable()[4 * 8 + h], (rows[0][h] + rows[1][h]) / 2, 1e-4);
+        EXPECT_NEAR(standard.GetTable()[4 * 10 * 8 + h], (rows[0][h] + rows[1][h]) / 2, 1e-4);
     }
     const auto [least, most] = std::minmax_element(standard.GetTable().begin(), standard.GetTable().end());
     EXPECT_GE(*least, -190.25F);
@@ -142,6 +157,15 @@ TEST(HueCorrection, InterpolatesBetweenNodes) {
         ab2chDeg(out[1], out[2], c, h);
         EXPECT_NEAR(std::remainder(h - row.corrected, 360.0F), 0, 0.01F)
             << row.l << ' ' << row.c << ' ' << row.h;
+    }
+    // Half a turn apart decides which way round; a single node holds everywhere.
+    for (const auto &[far, corrected] : {std::pair{185.0F, 97.5F}, {195.0F, 282.5F}}) {
+        float values[] = {10, far}, one[] = {0};
+        const KV_HueCorrection pair(1, one, 2, chroma, 1, one, values);
+        float lab[3] = {50, -20, 0}, c = 0, h = 0;
+        pair.ForwardEval(lab, lab, 1);
+        ab2chDeg(lab[1], lab[2], c, h);
+        EXPECT_NEAR(h, corrected, 0.01F);
     }
     float lab[6] = {50, 20, 30, 60, -5, 7}, out[6] = {};
     KV_HueCorrection().ForwardEval(lab, out, 2);

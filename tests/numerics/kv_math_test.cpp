@@ -2,6 +2,9 @@
 #include <kvbase/numerics/kv_math.h>
 #include <kvbase/runtime/kv_exception.h>
 
+#include <algorithm>
+#include <array>
+#include <functional>
 #include <limits>
 #include <memory>
 #include <string>
@@ -86,16 +89,34 @@ TEST(LeastSquares, BadNumbersDoNotComeOutAsGoodOnes) {
     std::mt19937 random(5);
     for (int round = 0; round < 1000; ++round) {
         const int n = 1 + static_cast<int>(random() % 5), m = n + static_cast<int>(random() % 4);
-        Matrix a = hardMatrix(random, m, n);
+        const auto size = static_cast<std::size_t>(n);
+        Matrix a = hardMatrix(random, m, n), b = randomMatrix(random, m, 1), x(size, kNaN);
         const double bad[] = {kNaN, kInfinity, -kInfinity};
-        a[random() % a.size()] = bad[round % 3];
-        try {
-            const std::vector<double> x = solve(a, randomMatrix(random, m, 1), m, n);
-            EXPECT_TRUE(std::any_of(x.begin(), x.end(), [](double e) { return !std::isfinite(e); }))
-                << "round " << round;
-        } catch (const KV_Exception &e) {
-            EXPECT_EQ(e.GetErrorId(), KV_ERR_NO_CONVERGENCE);
+        a[random() % (size * size)] = bad[round % 3];
+        Matrix vectors(size * size);
+        const std::function<void()> calls[] = {
+            [&] { Least_Squares(a.data(), b.data(), m, n, x.data()); },
+            [&] { Constrained_Least_Squares(a.data(), b.data(), m, n, x.data(), b.data(), b.data(), 0); },
+            [&] {
+                Constrained_Least_Squares(vectors.data(), b.data(), n, n, x.data(), a.data(), b.data(), n);
+            },
+            [&] { Eigen(a.data(), n, n, x.data(), vectors.data()); },
+        };
+        for (const auto &call : calls) {
+            const std::string text = failure(KV_ERR_NO_CONVERGENCE, call);
+            if (text == "none")
+                EXPECT_TRUE(&call == &calls[2] ||  // whose conditions divide by what is infinite
+                            std::any_of(x.begin(), x.end(), [](double e) { return !std::isfinite(e); }))
+                    << "round " << round << ", call " << &call - calls;
+            else
+                EXPECT_NE(text.find("No convergence in 30 SVDCMP iterations"), std::string::npos) << text;
+            std::fill(x.begin(), x.end(), kNaN);
         }
+        double *z = nullptr;
+        std::int32_t k = 0;
+        failure(KV_ERR_NO_CONVERGENCE, [&] { Null_Space(a.data(), n, n, &z, &k); });
+        const std::unique_ptr<double[]> owner(z);
+        EXPECT_LE(k, n);
     }
 }
 
@@ -172,6 +193,18 @@ TEST(ConstrainedLeastSquares, KeepsTheConditionsAndIsBestAmongThose) {
     }
 }
 
+// Which element a particular solution rests on shows where the null space holds nothing in its place.
+TEST(ConstrainedLeastSquares, RestsOnTheFirstElementThatIsNotTooSmall) {
+    for (const auto &[element, first, last] : {std::array{0.9e-10, 0.0, 2.0}, {1.1e-10, 2.0, 0.0}}) {
+        const double c[] = {element, 0, 2}, d[] = {first == 0 ? 4 : 2 * element};
+        const Matrix a = {1, 2, 3, 4, 5, 7, 8, 1, 2};
+        double x[3];
+        Constrained_Least_Squares(a.data(), a.data(), 3, 3, x, c, d, 1);
+        EXPECT_DOUBLE_EQ(x[0], first);
+        EXPECT_DOUBLE_EQ(x[2], last);
+    }
+}
+
 TEST(NullSpace, HoldsWhatTheConditionsTakeToZero) {
     std::mt19937 random(23);
     for (int round = 0; round < 1000; ++round) {
@@ -205,14 +238,21 @@ TEST(NullSpace, HoldsWhatTheConditionsTakeToZero) {
 TEST(EigenDecomposition, SolvesSymmetricProblemsAndLeavesEqualValuesToTheLast) {
     std::mt19937 random(29);
     for (int m = 1; m <= 8; ++m) {
+        const auto size = static_cast<std::size_t>(m);
         const Matrix half = randomMatrix(random, m, m);
-        const Matrix a = product(transposed(half, m, m), half, m, m, m);
-        Matrix values(static_cast<std::size_t>(m)), vectors(a.size());
+        Matrix a = product(transposed(half, m, m), half, m, m, m), values(size), vectors(a.size());
+        for (double &x : a)
+            x *= m % 2 == 0 ? 1e160 : 1e-160;
         Eigen(a.data(), m, m, values.data(), vectors.data());
-        Matrix scaled = vectors;
-        for (std::size_t i = 0; i < scaled.size(); ++i)
-            scaled[i] *= values[i % static_cast<std::size_t>(m)];
-        EXPECT_LE(distance(product(a, vectors, m, m, m), scaled), 1e-14 * m * m) << m;
+        Matrix scaled = vectors, square = product(transposed(vectors, m, m), vectors, m, m, m);
+        for (std::size_t i = 0; i < scaled.size(); ++i) {
+            scaled[i] *= values[i % size];
+            EXPECT_NEAR(square[i], i % (size + 1) == 0 ? 1 : 0, 1e-13) << m;
+        }
+        const Matrix known = peer::singularValues(a, m, m);
+        EXPECT_LE(distance(product(a, vectors, m, m, m), scaled), 1e-14 * m * m * known[0]) << m;
+        std::sort(values.rbegin(), values.rend());
+        EXPECT_LE(distance(values, known), 1e-14 * m * known[0]) << m;
     }
     const Matrix twice = {2, 0, 0, 0, 5, 0, 0, 0, 2};
     Matrix values(3, -1), vectors(9, -1);
@@ -256,9 +296,12 @@ TEST(MatrixInverses, TellOfASingularMatrix) {
     // A not-a-number stays out of the way of the row that is right.
     EXPECT_EQ(Matrix_Inverse(Matrix{kNaN, 1, 0, 1}.data(), 2, inverse.data()), 0) << "0 is the pivot";
     float untouched[9] = {7};
-    const float flat[9] = {9e-5F, 0, 0, 0, 1e-3F, 0, 0, 0, 1e-3F};  // determinant 9e-11
+    float flat[9] = {9e-5F, 0, 0, 0, 1e-3F, 0, 0, 0, 1e-3F};  // determinant 9e-11
     MatrixInverse(flat, untouched);
     EXPECT_EQ(untouched[0], 7);
+    flat[0] = 1.1e-4F;
+    MatrixInverse(flat, untouched);
+    EXPECT_FLOAT_EQ(untouched[8], 1000);
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 #include <kvbase/numerics/kv_optimizer.h>
 
+#include <algorithm>
 #include <cmath>
 #include <functional>
 #include <vector>
@@ -55,6 +56,10 @@ TEST(Optimizer, TakesItsStepsByTheGoldenSection) {
     // The constructor's call; then a trial that improves and 11 rounds of two calls.
     EXPECT_EQ(problem.gradients[0], 1U);
     EXPECT_EQ(problem.gradients[1], 1U + 1 + 22);
+    // The second round starts from the better one of the last two, with a bracket twice as wide.
+    const double start = std::min(problem.asked[22][0], problem.asked[23][0],
+                                  [](double a, double b) { return std::fabs(a) < std::fabs(b); });
+    EXPECT_NEAR(problem.asked[24][0], start * (1 - 2 * 2 * 0.618033989), 1e-15);
 }
 
 TEST(Optimizer, NarrowsTheBracketUntilATrialImproves) {
@@ -80,14 +85,38 @@ TEST(Optimizer, CountsItsWork) {
     EXPECT_EQ(done.asked.size(), 1U) << "the constructor's";
     EXPECT_TRUE(done.gradients.empty());
 
-    // Flat: 25 trials for nothing in each of 11 rounds, which go on in ever smaller brackets.
-    Problem flat{[](const double *) { return 5.0; }, [](const double *, double *g) { g[0] = 0; }, {3}};
-    KV_Optimizer search = flat.optimizer();
+    // 25 trials for nothing narrow the bracket to 9.7e-6 of its width: the first of the 11 rounds halves it
+    // 11 times, all others, whose brackets are below 1e-10, once. Then there is no bracket left to try in.
+    Problem flat{[](const double *) { return 5.0; }, [](const double *, double *g) { g[0] = 1; }, {3}};
+    KV_Optimizer search = flat.optimizer(), copy = flat.optimizer();
     EXPECT_EQ(search.OptimizationGold(), 5);
-    EXPECT_EQ(flat.x[0], 3);
     EXPECT_EQ(flat.gradients.size(), 11U);
-    EXPECT_LE(flat.asked.size(), 1U + 11 * (25 + 22));
-    EXPECT_GE(flat.asked.size(), 1U + 11 * (25 + 2));
+    EXPECT_EQ(flat.asked.size(), 2U + (25 + 22) + 10 * (25 + 2));
+    EXPECT_NEAR(flat.x[0], 3 - std::pow(0.381966011, 12), 1e-7) << "equal values: the far step is taken";
+    copy = search;
+    for (const std::size_t calls : {11U * (25 + 2), 0U, 0U, 0U, 0U, 0U, 11U * (1 + 2)}) {
+        flat.asked.clear();
+        copy.OptimizationGold();
+        EXPECT_TRUE(calls == 0 || flat.asked.size() == calls) << flat.asked.size();
+    }
+
+    // A value at the goal ends the work after a round.
+    for (const auto &[value, rounds] : {std::pair{1e-10, 1U}, {1.0001e-10, 11U}}) {
+        Problem found{[&](const double *x) { return x[0] == 3 ? 5 : value; },
+                      [](const double *, double *g) { g[0] = 1; },
+                      {3}};
+        KV_Optimizer once = found.optimizer();
+        EXPECT_EQ(once.OptimizationGold(), value);
+        EXPECT_EQ(found.gradients.size(), rounds) << value;
+    }
+
+    // In the second round the 17th trial improves: a bracket of 9.7e-6 times 4.5e-4 is halved 8 times.
+    int calls = 0;
+    Problem late{[&](const double *) { return ++calls == 1 + (25 + 22) + 17 ? 4.0 : 5.0; },
+                 [](const double *, double *g) { g[0] = 1; },
+                 {3}};
+    late.optimizer().OptimizationGold();
+    EXPECT_EQ(calls, 1 + (25 + 22) + (17 + 16) + 9 * (25 + 2));
 }
 
 TEST(Optimizer, FindsValleysAndGoesOn) {

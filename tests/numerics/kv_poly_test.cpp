@@ -95,6 +95,13 @@ TEST(FitPoly, FindsTheCurveAndMeetsItsEnds) {
     EXPECT_NEAR(held.at(87), bent(87), 1e-5);
 }
 
+TEST(FitPoly, PlacesPointsInSinglePrecision) {
+    const Fit fit(
+        {0, 1, 3}, [](double x) { return x == 1 ? 1 : 0; }, false, 1);
+    const double t = 1.0F / 3.0F;
+    EXPECT_NEAR(fit.coefficients[0], t / (t * t + 1), 1e-15) << "the slope through 0 by its definition";
+}
+
 TEST(FitPoly, LowersTheOrderOfCurvesThatTurnTwice) {
     struct {
         const char *name;

@@ -93,14 +93,6 @@ template <auto Function>
 void twofold(const Matrix &p, const Matrix &t, Matrix &q, Matrix &w) {
     Function(p.data(), t.data(), q.data(), w.data());
 }
-// Weights of the whole simplex, made feasible.
-template <auto Function, int Vertices, int D>
-void weights(const Matrix &p, const Matrix &t, Matrix &q, Matrix &w) {
-    w = project(p, t, Vertices, D);
-    Function(w.data(), t.data());
-    q = pointOf(w, t, D);
-}
-
 const Mapping kMappings[] = {
     {"MapOnLine2D", 2, 2, single<MapOnLine2D>},
     {"MapOnLine3D", 2, 3, single<MapOnLine3D>},
@@ -148,6 +140,8 @@ TEST(MapOnSimplex, MakesWeightsFeasible) {
     const Matrix pentachor = {0, 0, 0, 0, 4, 0, 0, 0, 1, 3, 0, 0, 1, 1, 2, 0, 1, 1, 1, 3};
     const auto onTriangle = [&](double *w) { MapOnTriangle(w, triangle.data()); };
     const auto onTetrahedron = [&](double *w) { MapOnTetrahedron(w, tetrahedron.data()); };
+    const Matrix flat = {0, 0, 0, 1, 0, 0, 2, 0, 0, 0, 0, 1};
+    const auto onFlat = [&](double *w) { MapOnTetrahedron(w, flat.data()); };
     const auto onPentachor = [&](double *w) { MapOnPentachor(w, pentachor.data()); };
     struct {
         const char *name;
@@ -174,6 +168,7 @@ TEST(MapOnSimplex, MakesWeightsFeasible) {
         {"pentachor, cell", onPentachor, {0.25, 0.25, 0.25, 0.25, 0}, {0.25, 0.25, 0.25, 0.25, 0}},
         {"pentachor, face", onPentachor, {0, 0.25, 0.25, 0.5, 0}, {0, 0.25, 0.25, 0.5, 0}},
         {"pentachor, edge", onPentachor, {0, 0.25, 0, 0.75, 0}, {0, 0.25, 0, 0.75, 0}},
+        {"tetrahedron, a face without area", onFlat, {0.3, 0.3, 0.4, -1}, {0, 0, 0, 0}},
     };
     for (const auto &c : cases) {
         Matrix w = c.w;
@@ -182,43 +177,61 @@ TEST(MapOnSimplex, MakesWeightsFeasible) {
     }
 }
 
-// Weights that sum to 1 stand for a point, with which the mapping of points can be asked.
-TEST(MapOnSimplex, WeightsGoWherePointsGo) {
-    std::mt19937 random(43);
-    const Mapping maps[] = {
-        {"MapOnTriangle", 3, 2, weights<MapOnTriangle, 3, 2>},
-        {"MapOnTetrahedron", 4, 3, weights<MapOnTetrahedron, 4, 3>},
-        {"MapOnPentachor", 5, 4, weights<MapOnPentachor, 5, 4>},
-    };
-    for (const Mapping &m : maps) {
-        int compared = 0;
-        for (int round = 0; round < 1000; ++round) {
-            const Matrix t = randomMatrix(random, m.vertices, m.D), p = randomMatrix(random, 1, m.D);
-            Matrix q, w;
-            m.map(p, t, q, w);
-            const Matrix own = project(p, t, m.vertices, m.D);
-            std::vector<int> positive;
-            Matrix target = p;
-            Matrix clipped = own;
-            for (int i = 0; i < m.vertices; ++i) {
-                double &x = clipped[static_cast<std::size_t>(i)];
-                if (x > 0)
-                    positive.push_back(i);
-                else
-                    x = 0;
-            }
-            // The two smaller ones take the clipped weights as they are, with a sum above 1, for the point.
-            if (m.D < 4 && positive.size() < own.size()) target = pointOf(clipped, t, m.D);
-            if (positive.size() < 2 || positive.size() == own.size()) continue;
-            // Where the point of a face lies outside it, the way to its edges goes through other coordinates.
-            const Matrix expected = byFaces(target, t, positive, m.D);
-            const auto onFace = static_cast<std::size_t>(
-                std::count_if(expected.begin(), expected.end(), [](double x) { return x > 0; }));
-            if (onFace < positive.size() && positive.size() > 2) continue;
-            ++compared;
-            EXPECT_LE(distance(w, expected), 1e-8 * (1 + norm(own)) * 100) << m.name << ", round " << round;
+// The rule for weights: the point that they stand for goes onto the face of the positive ones, and from there
+// on the products of its edges stand for the face. Only a pentachoron takes the negative ones along.
+Matrix feasible(const Matrix &given, const Matrix &t, int D) {
+    Matrix clipped = given, w(given.size()), face, products;
+    std::vector<std::size_t> at;
+    for (std::size_t i = 0; i < given.size(); ++i) {
+        if (given[i] > 0)
+            at.push_back(i);
+        else if (given.size() < 5)
+            clipped[i] = 0;
+    }
+    if (at.empty()) return clipped;
+    if (at.size() == given.size()) {
+        const double sum = given.size() < 5 ? std::accumulate(given.begin(), given.end(), 0.0) : 1;
+        for (double &x : clipped)
+            x /= sum;
+        return clipped;
+    }
+    w[at[0]] = 1;
+    if (at.size() == 1) return w;
+    const auto vertex = [&](std::size_t i) { return t.begin() + static_cast<std::ptrdiff_t>(at[i]) * D; };
+    const auto edge = [&](std::size_t i, int d) { return vertex(i)[d] - vertex(0)[d]; };
+    for (std::size_t i = 0; i < at.size(); ++i) {
+        face.insert(face.end(), vertex(i), vertex(i) + D);
+        for (std::size_t j = 1; j < at.size(); ++j) {
+            products.push_back(0);
+            for (int d = 0; d < D; ++d)
+                products.back() += edge(i, d) * edge(j, d);
         }
-        EXPECT_GE(compared, 200) << m.name;
+    }
+    const int count = static_cast<int>(at.size());
+    const Matrix inner = feasible(project(pointOf(clipped, t, D), face, count, D), products, count - 1);
+    for (std::size_t i = 0; i < at.size(); ++i)
+        w[at[i]] = inner[i];
+    return w;
+}
+
+TEST(MapOnSimplex, WeightsFollowTheRuleFaceByFace) {
+    std::mt19937 random(43);
+    constexpr void (*kMaps[])(double *, const double *) = {MapOnTriangle, MapOnTetrahedron, MapOnPentachor};
+    for (int vertices = 3; vertices <= 5; ++vertices) {
+        int far = 0;
+        for (int round = 0; round < 2000; ++round) {
+            const int D = vertices - 1;
+            const Matrix t = randomMatrix(random, vertices, D);
+            Matrix w = randomMatrix(random, 1, vertices);
+            const Matrix expected = feasible(w, t, D);
+            const auto positive = [](const Matrix &x) {
+                return std::count_if(x.begin(), x.end(), [](double e) { return e > 0; });
+            };
+            far += positive(expected) < positive(w) ? 1 : 0;
+            kMaps[vertices - 3](w.data(), t.data());
+            EXPECT_LE(distance(w, expected), 1e-7) << vertices << " vertices, round " << round;
+        }
+        EXPECT_GE(far, 50) << vertices << " vertices: points outside their face";
     }
 }
 
@@ -233,6 +246,16 @@ TEST(MapOnSimplex, DegenerateSimplicesHaveNoWeights) {
     MapOnLine3D(p, exact.data(), q.data(), w.data());
     EXPECT_EQ(w, (Matrix{0, 1}));
     EXPECT_EQ(q[0], 3) << "the vertex itself";
+    const Matrix line = {0, 0, 0, 1, 0, 0, 2, 0, 0};
+    w = {7, 7, 7};
+    MapOnTriangle3D(p, line.data(), q.data(), w.data());
+    EXPECT_EQ(w, (Matrix{0, 0, 0}));
+    EXPECT_EQ(q[0], 3) << "not written";
+    // On the plane alone nothing is clipped.
+    const Matrix triangle = {0, 0, 1, 2, 0, 1, 0, 2, 1};
+    MapOnTrianglePlane3D(p, triangle.data(), q.data(), w.data());
+    EXPECT_EQ(w, (Matrix{-1.5, 2.5, 0}));
+    EXPECT_EQ(q, (Matrix{5, 0, 1, 7}));
 }
 
 struct Inversion {
@@ -240,6 +263,7 @@ struct Inversion {
     float target[3];
     bool found;
     float weights[2];
+    float limit = 1;
 };
 
 TEST(Inversion, OfATriangleSeesComponentsOneAndTwo) {
@@ -249,13 +273,14 @@ TEST(Inversion, OfATriangleSeesComponentsOneAndTwo) {
         {"inside", {0, 2, 5}, true, {0.2F, 0.25F}},
         {"corner 0", {0, 0, 0}, true, {0, 0}},
         {"beyond the far edge", {0, 10, 20}, true, {0.5F, 0.5F}},
+        {"beyond a limit", {0, 10, 20}, true, {0.25F, 0.25F}, 0.5F},
         {"behind corner 0", {0, -1, 1}, false, {}},
         {"beside an edge", {0, 3, -0.01F}, false, {}},
         {"not a number", {0, kNaN, 1}, false, {}},
     };
     for (const Inversion &c : cases) {
         float mapped[3] = {-1, -1, -1}, result[4] = {-1, -1, -1, -1};
-        ASSERT_EQ(TriangleInvert(corners, values, c.target, mapped, result, 1), c.found) << c.name;
+        ASSERT_EQ(TriangleInvert(corners, values, c.target, mapped, result, c.limit), c.found) << c.name;
         if (!c.found) {
             EXPECT_EQ(mapped[0] + result[3], -2) << c.name << ": nothing is written";
             continue;
@@ -267,9 +292,11 @@ TEST(Inversion, OfATriangleSeesComponentsOneAndTwo) {
         for (int i = 0; i < 4; ++i)
             EXPECT_NEAR(result[i], expected[3 + i], 1e-5) << c.name;
     }
-    const float flat[] = {50, 0, 0, 60, 10, 0, 80, 20, 0};
-    float mapped[3], result[4];
-    EXPECT_FALSE(TriangleInvert(flat, values, corners, mapped, result, 1));
+    for (const float area : {0.9e-5F, 1.1e-5F}) {
+        const float flat[] = {50, 0, 0, 60, 1, 0, 80, 0, area};
+        float mapped[3], result[4];
+        EXPECT_EQ(TriangleInvert(flat, values, corners, mapped, result, 1), area > 1e-5F);
+    }
 }
 
 TEST(Inversion, OfATetrahedronInterpolatesItsCorners) {
@@ -286,22 +313,26 @@ TEST(Inversion, OfATetrahedronInterpolatesItsCorners) {
         float mapped[3] = {-9, -9, -9}, result[4] = {-9, -9, -9, -9};
         const double volume = std::fabs(VolT(&vertices[0], &vertices[3], &vertices[6], &vertices[9]));
         if (volume < 0.05) continue;
-        ASSERT_EQ(TetrahedronInvert(corners.data(), values.data(), target.data(), mapped, result, 1),
+        const float limit = round % 2 == 0 ? 1 : 0.5F;
+        ASSERT_EQ(TetrahedronInvert(corners.data(), values.data(), target.data(), mapped, result, limit),
                   isInside);
         if (!isInside) {
             EXPECT_EQ(mapped[2] + result[0], -18);
             continue;
         }
-        if (sum > 1) all = {0, w[0] / sum, w[1] / sum, w[2] / sum};
+        const double k = limit / sum;
+        if (k < 1) all = {1 - static_cast<double>(limit), w[0] * k, w[1] * k, w[2] * k};
         const Matrix expected = pointOf(all, at, 4), where = pointOf(all, vertices, 3);
         for (std::size_t i = 0; i < 4; ++i)
             EXPECT_NEAR(static_cast<double>(result[i]), expected[i], 2e-5 / volume);
         for (std::size_t i = 0; i < 3; ++i)
             EXPECT_NEAR(static_cast<double>(mapped[i]), where[i], 2e-5 / volume);
     }
-    const float flat[12] = {}, values[16] = {}, target[3] = {};
+    const float flat[12] = {}, values[16] = {}, nowhere[3] = {kNaN, 0, 0};
+    const float corners[12] = {0, 0, 0, 1, 0, 0, 0, 1, 0, 0, 0, 1};
     float mapped[3], result[4];
-    EXPECT_FALSE(TetrahedronInvert(flat, values, target, mapped, result, 1)) << "no edges";
+    EXPECT_FALSE(TetrahedronInvert(flat, values, flat, mapped, result, 1)) << "no edges";
+    EXPECT_FALSE(TetrahedronInvert(corners, values, nowhere, mapped, result, 1));
 }
 
 TEST(Tetrahedron, FindsThePointWithinTheOthers) {
@@ -332,6 +363,7 @@ TEST(Samples, AreThinnedWhereTheyStandClosest) {
         {{0, 1, 50, 51, 100}, 3, {0, 50, 100}},
         {{0, 10, 20, 30, 40}, 5, {0, 10, 20, 30, 40}},
         {{0, 10, 20, 30, 40}, 2, {0, 100}},
+        {{0, 3e5F, 6e5F, 7e5F}, 3, {0, 3e5F, 7e5F}},
         {{7, 8}, 2, {7, 8}},
         {{7, 8, 9}, 5, {7, 8, 9}},
         {{0, 3e6F, 6e6F, 9e6F}, 3, {3e6F, 6e6F, 9e6F}},  // no gap below the bound: the first goes
@@ -344,9 +376,11 @@ TEST(Samples, AreThinnedWhereTheyStandClosest) {
 }
 
 TEST(Samples, SectorsAndTablesKeepTheirEnds) {
-    EXPECT_TRUE(InSector(350, 10, 5) && InSector(350, 10, 355) && InSector(10, 20, 10) &&
-                InSector(10, 20, 20));
-    EXPECT_FALSE(InSector(350, 10, 180) || InSector(10, 20, 21) || InSector(10, 20, std::nan("")));
+    for (const double angle : {350.0, 355.0, 0.0, 5.0, 10.0})
+        EXPECT_TRUE(InSector(350, 10, angle)) << angle;
+    EXPECT_TRUE(InSector(10, 20, 10) && InSector(10, 20, 20));
+    EXPECT_FALSE(InSector(350, 10, 349.9) || InSector(350, 10, 10.1) || InSector(10, 20, 21) ||
+                 InSector(10, 20, std::nan("")));
     const KV_LabTable table = {{10, {1, 2, 3}}, {20, {3, 2, 1}}, {40, {5, 0, 1}}};
     struct {
         float x, expected[3];

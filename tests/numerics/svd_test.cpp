@@ -25,7 +25,8 @@ bool sameBits(const Matrix &a, const Matrix &b, std::size_t from, std::size_t co
     return std::memcmp(a.data() + from, b.data() + from, count * sizeof(double)) == 0;
 }
 
-// The largest element of |U W V^T - A| and of |V^T V - 1|, in units of the largest singular value and of 1.
+// The largest element of |U W V^T - A|, of |V^T V - 1|, and of |U^T U - 1| where singular values count, in
+// units of the largest singular value and of 1.
 double defect(const Svd &svd, const Matrix &a, int m, int n) {
     const double largest = *std::max_element(svd.w.begin() + 1, svd.w.end());
     if (largest == 0) return 0;
@@ -40,6 +41,15 @@ double defect(const Svd &svd, const Matrix &a, int m, int n) {
         worst = std::max(worst, std::fabs(back[i] - a[i] / largest));
     for (std::size_t i = 0; i < one.size(); ++i)
         worst = std::max(worst, std::fabs(one[i] - (i % static_cast<std::size_t>(n + 1) == 0 ? 1 : 0)));
+    Matrix u = svd.u;
+    u.resize(a.size());
+    const Matrix ones = product(transposed(u, m, n), u, n, m, n);
+    const auto counts = [&](std::size_t column) { return svd.w[1 + column] > 1e-3 * largest; };
+    for (std::size_t i = 0; i < ones.size(); ++i) {
+        const std::size_t row = i / static_cast<std::size_t>(n), column = i % static_cast<std::size_t>(n);
+        if (counts(row) && counts(column))
+            worst = std::max(worst, std::fabs(ones[i] - (row == column ? 1 : 0)));
+    }
     return worst;
 }
 

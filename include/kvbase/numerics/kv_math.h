@@ -38,7 +38,8 @@ KV_EXPORT void Least_Squares(const double *a, const double *b, std::int32_t m, s
 /// The same under p linear conditions c x = d, c being p by n, by the null-space method. The particular
 /// solution comes from the first element of c beyond 1e-10 when p is 1, else from the inverse of its first p
 /// columns. When these have none, or there are more conditions than unknowns, it is the shortest x that meets
-/// the conditions best. With p below 1 there are no conditions. Throws as Least_Squares does.
+/// the conditions best. With p below 1 there are no conditions. A condition that is not finite may count for
+/// nothing. Throws as Least_Squares does.
 KV_EXPORT void Constrained_Least_Squares(const double *a, const double *b, std::int32_t m, std::int32_t n,
                                          double *x, const double *c, const double *d, std::int32_t p);
 
