@@ -5,6 +5,7 @@
 #include <kvbase/numerics/kv_math.h>
 #include <kvbase/numerics/kv_simplex.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdlib>
 #include <random>
