@@ -113,10 +113,12 @@ std::string summaryOf(const ProofTemplate &judgedBy, const Proof &proof) {
             padded("Maximum", kFigure) + padded("95th percentile", kFigure) + "Grade\n";
     std::string further;
     for (const ProofGroup &group : proof.groups) {
-        text += padded(titleOf(group), kName) + padded(std::to_string(group.count), 9);
-        for (std::size_t i = 0; i < 3; ++i)
-            text += padded(i < group.figures.size() ? textOf(group.figures[i]) : "", kFigure);
-        text += group.count > 0 ? std::string(1, group.grade) + "\n" : "\n";
+        const std::string count = std::to_string(group.count);
+        text += padded(titleOf(group), kName) + (group.count > 0 ? padded(count, 9) : count);
+        for (std::size_t i = 0; i < 3 && i < group.figures.size(); ++i)
+            text += padded(textOf(group.figures[i]), kFigure);
+        if (group.count > 0) text += group.grade;
+        text += '\n';
         for (std::size_t i = 3; i < group.figures.size(); ++i)
             further +=
                 titleOf(group) + ", " + nameOf(group.figures[i]) + ": " + textOf(group.figures[i]) + '\n';

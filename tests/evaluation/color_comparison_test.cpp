@@ -304,6 +304,14 @@ TEST(ColorComparison, FindsByTheFirstOfAName) {
     EXPECT_TRUE(comparison.SetPatch("twice", patch));
     EXPECT_EQ(comparison.patches[1].name, "renamed");
     EXPECT_EQ(comparison.patches[2].name, "twice");
+    KV_ColorStat stat;
+    stat.name = "group";
+    EXPECT_FALSE(comparison.SetStat("group", stat) || comparison.GetStat("group", stat));
+    comparison.stats.push_back(stat);
+    stat.count = 3;
+    EXPECT_TRUE(comparison.SetStat("group", stat));
+    stat.count = 0;
+    EXPECT_TRUE(comparison.GetStat("group", stat) && stat.count == 3);
 
     float stim[8] = {};
     EXPECT_EQ(comparison.FindPatch(stim), comparison.patches.data());

@@ -9,6 +9,8 @@
 #include <tuple>
 #include <vector>
 
+#include "temp_folder.h"
+
 namespace {
 
 std::string golden() {
@@ -114,8 +116,8 @@ TEST(ColorReport, TakesBrokenFilesUpToTheBreak) {
     const std::string whole = withoutAmpersand(golden());
     const std::size_t firstEnd = whole.find("</colorcomparison>") + 18;
     KV_ColorReport report;
-    for (std::size_t size = 0; size + 1 < whole.size(); size += 7) {
-        EXPECT_FALSE(read(report, whole.substr(0, size))) << size;
+    for (std::size_t size = 0; size + 1 < whole.size(); ++size) {
+        ASSERT_FALSE(read(report, whole.substr(0, size))) << size;
         if (size > 200) {
             EXPECT_EQ(report.hasAbs, size >= firstEnd) << size;
         }
@@ -127,6 +129,59 @@ TEST(ColorReport, TakesBrokenFilesUpToTheBreak) {
     EXPECT_TRUE(report.hasAbs);
     EXPECT_FALSE(report.ParseFile(nullptr, {}));
     EXPECT_FALSE(report.hasAbs);
+}
+
+// The weights of each formula, and the words of formula and intent, both ways.
+TEST(ColorReport, NamesFormulasAndIntents) {
+    struct {
+        std::int32_t formula;
+        const char *text;
+    } const rows[] = {
+        {0, "\"deltaEab\" intent = \"side-by-side\" >"},
+        {1, "\"deltaE94\" kL = \"2.00\" kC = \"3.00\" kH = \"4.00\" intent = \"side-by-side\" >"},
+        {2, "\"deltaEcmc\" kL = \"2.00\" kC = \"3.00\" intent = \"side-by-side\" >"},
+        {3, "\"deltaE00\" kL = \"2.00\" kC = \"3.00\" kH = \"4.00\" intent = \"side-by-side\" >"},
+        {9, "\"deltaEab\" intent = \"side-by-side\" >"},
+    };
+    for (const auto &row : rows) {
+        KV_ColorReport report, back;
+        report.hasAbs = true;
+        report.compareAbs.formula = {row.formula, 2, 3, 4};
+        const std::string text = written(report);
+        EXPECT_NE(text.find(std::string("colordifference = ") + row.text), std::string::npos) << text;
+        ASSERT_TRUE(read(back, text));
+        EXPECT_EQ(written(back), text);
+    }
+    KV_ColorReport report;
+    ASSERT_TRUE(read(report,
+                     "<r><colorcomparison intent='media-relative'/><colorcomparison intent='?'>"
+                     "<colorpatch name='p'/></colorcomparison></r>"));
+    EXPECT_TRUE(report.hasRel && !report.hasAbs) << "an unknown intent is that of the one before";
+    EXPECT_EQ(report.compareRel.patches.size(), 1U);
+}
+
+TEST(ColorReport, ReadsTheTwelveLimitsOfAGroup) {
+    const char *const quantities[] = {"dE", "dC", "dH"}, *const statistics[] = {"av", "max", "gam", "p95"};
+    std::string text = "<colorcomparison><colorstat name='g'";
+    for (int i = 0; i < 12; ++i)
+        text += std::string(" ") + quantities[i % 3] + "Tol_" + statistics[i / 3] + "='" + std::to_string(i) +
+                "'";
+    const TempFolder folder;
+    std::ofstream(folder / "r.xml") << text + "/></colorcomparison>";
+    KV_ColorReport report, copy;
+    ExpatXMLParser parser;
+    ASSERT_TRUE(report.ParseFile(&parser, KV_FileSpecFromNative(folder.native("r.xml").c_str())));
+    KV_ColorStat &stat = report.compareAbs.stats.at(0);
+    int i = 0;
+    for (KV_ColorCheck *check : {&stat.av, &stat.max, &stat.gam, &stat.p95})
+        for (const KV_ColorTol *tol : {&check->dE, &check->dC, &check->dH})
+            EXPECT_EQ(tol->tolerances, std::vector<float>{static_cast<float>(i++)});
+    report.metaData.texts[16] = report.metaData.furtherTexts[10] = report.reportType = KV_W("kept");
+    report.metaData.number = 7;
+    copy = report;
+    EXPECT_TRUE(copy.GetMetaData().texts[16] == KV_W("kept") &&
+                copy.metaData.furtherTexts[10] == KV_W("kept") && copy.metaData.number == 7 &&
+                copy.GetReportType() == KV_W("kept"));
 }
 
 struct ToleranceCase {

@@ -146,6 +146,52 @@ TEST(ExpatParser, CutsLongTextBetweenCharacters) {
     EXPECT_EQ(whole.longest, 65'533U);  // one "x" and 21,844 characters of three bytes
 }
 
+// Reads a document within its document, by the same parser.
+class Nested : public Events {
+public:
+    explicit Nested(ExpatXMLParser &parser) : m_parser(parser) {}
+    void StartElement(const KV_String &name, const KalSAX::AttributeList &attributes) override {
+        Events::StartElement(name, attributes);
+        char inner[] = "<inner/>";
+        EXPECT_FALSE(m_parser.Parse(inner, 8) || m_parser.Parse(KV_FileSpec(), false));
+    }
+
+private:
+    ExpatXMLParser &m_parser;
+};
+
+TEST(ExpatParser, ReadsOneDocumentAtATime) {
+    ExpatXMLParser parser;
+    Nested events(parser);
+    parser.SetDocumentHandler(events);
+    parser.SetErrorHandler(events);
+    std::string document = "<a>t</a>";
+    for (int round = 0; round < 2; ++round)
+        EXPECT_TRUE(parser.Parse(document.data(), static_cast<std::uint32_t>(document.size())));
+    EXPECT_EQ(events.text, "<at><at>");
+    EXPECT_EQ(events.message, repeated(4, "the parser is reading another document"));
+}
+
+TEST(ParserInstances, OwnTheirParser) {
+    struct Counted : ExpatXMLParser {
+        explicit Counted(int &count) : m_count(++count) {}
+        ~Counted() override { --m_count; }
+        int &m_count;
+    };
+    struct Factory : KalSAX::ParserInstances {
+        explicit Factory(KalSAX::Parser *parser) : ParserInstances(parser) {}
+    };
+    int count = 0;
+    {
+        auto *const parser = new Counted(count);
+        Factory factory(parser);
+        EXPECT_EQ(factory.GetParser(), parser);
+        EXPECT_EQ(count, 1);
+    }
+    EXPECT_EQ(count, 0);
+    EXPECT_EQ(Factory(nullptr).GetParser(), nullptr);
+}
+
 TEST(ExpatParser, PassesOnWhatAHandlerRaisesAndGoesOn) {
     ExpatXMLParser parser;
     Events events;

@@ -97,6 +97,9 @@ TEST(Dispatcher, HandsElementsAndSubtreesOn) {
     EXPECT_EQ(subtree.text, "<sub 1<one><sub>");               // the first end of that name ends it
     EXPECT_EQ(sub, "rse<sub 1<one><sub>re<sub 1<one><sub>r");  // and the outer end is an end, too
     EXPECT_FALSE(reader.GetElementDispatcher().RedirectionActive());
+    auto *const twice = new Noting(replaced);  // destroyed once, though it has two names
+    reader.AddElementHandler("left", twice);
+    reader.AddElementHandler("right", twice);
 }
 
 }  // namespace

@@ -63,6 +63,14 @@ TEST(WriteXml, BreaksLinesBehindEightyBytes) {
         }
         EXPECT_EQ(out.str().find("n\r\n\t a") != std::string::npos, length > 80) << length;
     }
+    std::ostringstream out;
+    {
+        WriteXML::Element root(out, "root");
+        WriteXML::Element comment(out, root);
+        comment.Comment(std::string(80, 'c'));
+        comment.Comment("d");
+    }
+    EXPECT_NE(out.str().find("c\r\n\t\td -->\r\n</root>"), std::string::npos) << out.str();
 }
 
 #ifndef _WIN32
