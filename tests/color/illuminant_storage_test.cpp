@@ -133,8 +133,14 @@ TEST(IlluminantStorage, DictionaryDefaults) {
 
     put(dictionary, "illuminantType", 22);
     light.SetDictionary(&dictionary);
-    EXPECT_EQ(light.GetXYZ().X, 96.42F);
+    EXPECT_TRUE(light.GetXYZ().X == 96.42F && light.GetXYZ().Y == 100 && light.GetXYZ().Z == 82.49F);
     EXPECT_NE(light.GetSpectrum(), nullptr) << "stays";
+
+    KV_UValDict bare(0);
+    put(bare, "illuminantType", 21);
+    light.SetDictionary(&bare);
+    EXPECT_TRUE(light.GetSpectrum()->start == 360 && light.GetSpectrum()->end == 830 &&
+                light.GetSpectrum()->count == 471);
 }
 
 TEST(IlluminantStorage, DictionaryOfASpectrumThatHasNoPlace) {
