@@ -180,7 +180,6 @@ KV_String ExpatXMLAttributeList::GetValue(const char *name) const {
     return {};
 }
 
-
 KV_String ExpatXMLAttributeList::GetValue(int index) const {
     if (index < 0 || index >= m_count) return {};
     return m_attributes[std::ptrdiff_t{2} * index + 1];
