@@ -60,7 +60,8 @@ public:
     /// The same for a file, in blocks of 512 bytes. False, without a word to the error handler, when it can't
     /// be opened.
     ///
-    /// encrypted  whether the file is enciphered (KV_FStream::WriteEncrypted)
+    /// encrypted  whether the file is enciphered (KV_FStream::WriteEncrypted), which fills it up with blanks:
+    ///            a document in UTF-16 then does not end well-formed
     bool Parse(const KV_FileSpec &file, bool encrypted) override;
 
     /// Empty: nothing fills them.
