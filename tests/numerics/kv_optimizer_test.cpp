@@ -101,13 +101,13 @@ TEST(Optimizer, CountsItsWork) {
     }
 
     // A value at the goal ends the work after a round.
-    for (const auto &[value, rounds] : {std::pair{1e-10, 1U}, {1.0001e-10, 11U}}) {
+    for (const double value : {1e-10, 1.0001e-10}) {
         Problem found{[&](const double *x) { return x[0] == 3 ? 5 : value; },
                       [](const double *, double *g) { g[0] = 1; },
                       {3}};
         KV_Optimizer once = found.optimizer();
         EXPECT_EQ(once.OptimizationGold(), value);
-        EXPECT_EQ(found.gradients.size(), rounds) << value;
+        EXPECT_EQ(found.gradients.size(), value > 1e-10 ? 11U : 1U);
     }
 
     // In the second round the 17th trial improves: a bracket of 9.7e-6 times 4.5e-4 is halved 8 times.
