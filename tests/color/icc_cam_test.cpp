@@ -42,7 +42,8 @@ TEST(IccCam, FactorsOfTheViewingConditions) {
     EXPECT_NEAR(bright.z, 1.9272, 5e-5);
     EXPECT_NEAR(bright.D, 0.994, 5e-4);
     EXPECT_NEAR(conditions(31.83F, 20, 0.69F, 1, 1).FL, 0.54, 0.005);
-    EXPECT_NEAR(conditions(0.2F, 20, 0.69F, 1, 1).FL, 0.1004, 5e-5);  // k = 1/2, where both terms count
+    EXPECT_NEAR(conditions(0.2F, 20, 0.69F, 1, 1).FL, 0.100390625, 1e-7);  // k = 1/2, where both terms count
+    EXPECT_NEAR(bright.tFactor, std::pow(1.64 - std::pow(0.29, 0.2), 0.73), 1e-6);
 }
 
 TEST(IccCam, MatricesInvertEachOther) {

@@ -60,7 +60,9 @@ TEST(IlluminantStorage, DictionaryHasTypedEntries) {
     KV_Illuminant white = byWhite({95, 100, 90}, k2);
     white.SetIlluminantName(nullptr);
     white.IlluminantDataToDict(&dictionary);
-    EXPECT_EQ(dictionary.GetValue("spectrumNbr", 9L, 0), 1);
+    for (const auto &[key, value] :
+         {std::pair{"spectrumStart", 0L}, {"spectrumEnd", 0L}, {"spectrumStep", 0L}, {"spectrumNbr", 1L}})
+        EXPECT_EQ(dictionary.GetValue(key, 9L, 0), value) << key;
     EXPECT_EQ(dictionary.GetUValDimension("spectrumData"), 1);
     EXPECT_EQ(dictionary.GetUVal("illuminantName"), nullptr) << "of the light before";
     const KV_Illuminant back(&dictionary);
@@ -138,7 +140,10 @@ TEST(IlluminantStorage, DictionaryDefaults) {
 
     KV_UValDict bare(0);
     put(bare, "illuminantType", 21);
+    put(bare, "illuminance", 700);
     light.SetDictionary(&bare);
+    light.IlluminantDataToDict(&bare);
+    EXPECT_EQ(bare.GetValue("illuminance", 0L, 0), 500) << "whatever stood there";
     EXPECT_TRUE(light.GetSpectrum()->start == 360 && light.GetSpectrum()->end == 830 &&
                 light.GetSpectrum()->count == 471);
 }

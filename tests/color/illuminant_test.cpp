@@ -125,9 +125,12 @@ TEST(Illuminant, DaylightOfAnyTemperature) {
         float kept, ofSpectrum;
     };
     const Row rows[] = {
-        {5000.4F, KV_IT_D50, 5000, 5000.4F},  {4999.5F, KV_IT_D50, 5000, 4999.5F},
-        {4999.4F, KV_IT_D, 4999.4F, 4999.4F}, {9299.5F, KV_IT_D93, 9300, 9299.5F},
-        {3000, KV_IT_D, 3000, 4000},          {30000, KV_IT_D, 30000, 25000},
+        {5000.4F, KV_IT_D50, 5000, 5000.4F},
+        {4999.5F, KV_IT_D50, 5000, 4999.5F},
+        {4999.498F, KV_IT_D, 4999.498F, 4999.498F},
+        {9299.5F, KV_IT_D93, 9300, 9299.5F},
+        {3000, KV_IT_D, 3000, 4000},
+        {30000, KV_IT_D, 30000, 25000},
     };
     for (const Row &row : rows) {
         KV_Illuminant light(KV_IT_E, k2);
