@@ -10,7 +10,6 @@
 #include <string>
 #ifdef KVBASE_BENCH_PEERS
 #    include <expat.h>
-#    include <malloc.h>
 #endif
 
 namespace {
@@ -61,10 +60,6 @@ void BM_Events(benchmark::State &state) {
 BENCHMARK(BM_Events)->Unit(benchmark::kMillisecond);
 
 #ifdef KVBASE_BENCH_PEERS
-// Expat copies the 20 MB. Without this the memory for it is the system's or the heap's own by what ran
-// before, which makes up to 8 % of the time.
-[[maybe_unused]] const int kAlwaysOfTheSystem = mallopt(M_MMAP_THRESHOLD, 1 << 20);
-
 void lookUp(void *user, const char * /*name*/, const char **attributes) {
     for (const char *name : kLookedUp)
         for (const char **at = attributes; *at != nullptr; at += 2)
